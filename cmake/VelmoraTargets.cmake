@@ -1,0 +1,39 @@
+# Flags that every target of the project shares, and the two ways to make one.
+
+add_library(velmora_flags INTERFACE)
+target_compile_options(velmora_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_include_directories(velmora_flags INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_definitions(velmora_flags INTERFACE
+    VELMORA_VERSION="${PROJECT_VERSION}" $<$<BOOL:${VELMORA_ASSERTIONS}>:VELMORA_ASSERTIONS>)
+if(VELMORA_SANITIZE)
+    target_compile_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE} -fno-sanitize-recover=all
+        -fno-omit-frame-pointer)
+    target_link_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE})
+endif()
+if(VELMORA_COVERAGE)
+    target_compile_options(velmora_flags INTERFACE --coverage)
+    target_link_options(velmora_flags INTERFACE --coverage)
+endif()
+
+# Plain loops over samples become vector code: lrintf must not set errno, and no sum depends on the order of traps.
+set(VELMORA_SAMPLE_LOOPS -O3 -fno-math-errno -fno-trapping-math)
+
+# velmora_objects(NAME SOURCES ... LINK ...): the objects of one folder, to be linked into one or more libraries.
+function(velmora_objects name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_library(${name} OBJECT ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC velmora_flags ${ARG_LINK})
+endfunction()
+
+# velmora_test(NAME LABEL label SOURCES ... LINK ...): one GoogleTest program; each of its tests becomes a CTest test.
+function(velmora_test name)
+    cmake_parse_arguments(ARG "" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE velmora_flags GTest::gtest GTest::gmock GTest::gtest_main ${ARG_LINK})
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
+        PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT ${ARG_TIMEOUT})
+endfunction()

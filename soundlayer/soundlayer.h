@@ -1,0 +1,189 @@
+/// The sound layer: streams that are pulled, mixers, DSPs, encoders and devices behind plain C operations.
+///
+/// Samples are 16-bit, interleaved. Handles are 32 bits, never 0 and never used again within a run; an operation on a
+/// stale or foreign handle fails with SOUND_ERROR_HANDLE. A failed operation gives 0 (-1 where a count is given) and
+/// leaves its code for `BASS_ErrorGetCode`, which is kept per thread. Texts are UTF-8, file names in the system's form.
+///
+/// Threads: operations come from one thread at a time, the interface thread. Edits of a graph that the device is
+/// playing take effect between two blocks; the mixing thread waits for nobody. Decoding streams may be pulled with
+/// `BASS_ChannelGetData` while nothing that plays reaches them.
+#ifndef VELMORA_SOUNDLAYER_H
+#define VELMORA_SOUNDLAYER_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define SOUND_API __attribute__((visibility("default")))
+
+typedef uint32_t HSTREAM;
+typedef uint32_t HDSP;
+typedef uint32_t HENCODE;
+typedef uint32_t HWMENCODE;
+typedef uintptr_t SOUND_USER;
+
+/// Works on `length` bytes of `channel`'s block in place. [RT]
+typedef void DSPPROC(HDSP dsp, uint32_t channel, void* buffer, uint32_t length, SOUND_USER user);
+/// Fills at most `length` bytes and returns how many; 0 is no data now, not the end. [RT]
+typedef uint32_t STREAMPROC(HSTREAM stream, void* buffer, uint32_t length, SOUND_USER user);
+/// Called before each block of the device with its number of frames. [RT]
+typedef void SOUND_HEARTBEATPROC(uint32_t frames, SOUND_USER user);
+
+#define BASS_OK 0
+#define BASS_ERROR_MEM 1
+#define BASS_ERROR_DRIVER 3
+#define BASS_ERROR_FORMAT 6
+#define BASS_ERROR_INIT 8
+#define BASS_ERROR_ALREADY 14
+#define BASS_ERROR_DEVICE 23
+#define BASS_ERROR_CREATE 33
+#define BASS_ERROR_NOTAVAIL 37
+#define BASS_ERROR_DX 39
+#define BASS_ERROR_WMA 1001
+#define BASS_ERROR_UNKNOWN (-1)
+#define SOUND_ERROR_HANDLE 2001   /* no such stream, DSP or encoder */
+#define SOUND_ERROR_FILEOPEN 2002 /* the file cannot be read */
+#define SOUND_ERROR_FILEFORM 2003 /* the file holds no sound that can be decoded */
+#define SOUND_ERROR_PARAM 2004    /* an argument is out of its range */
+#define SOUND_ERROR_DECODE 2005   /* the stream is not a decoding one, or is pulled by the device */
+#define SOUND_ERROR_WRITE 2006    /* not all was written: full disk or the like */
+
+#define BASS_DEVICE_LATENCY 0x100
+#define BASS_MIXER_NONSTOP 0x20000
+#define BASS_STREAM_PRESCAN 0x20000
+#define BASS_STREAM_DECODE 0x200000
+#define BASS_SAMPLE_SOFTWARE 0x10
+#define BASS_UNICODE 0x80000000u
+#define BASS_ENCODE_PAUSE 0x20
+#define BASS_WMA_ENCODE_STANDARD 0x2000
+
+#define BASS_CONFIG_BUFFER 0       /* device buffer in ms */
+#define BASS_CONFIG_UPDATEPERIOD 1 /* ms between two fillings of it */
+#define BASS_CONFIG_CURVE_VOL 7    /* 0: volume attributes are proportional, the only curve there is */
+
+#define BASS_ATTRIB_FREQ 1 /* Hz at which a source is taken to run; 0 is its own */
+#define BASS_ATTRIB_VOL 2  /* acts within 0..1 */
+#define BASS_ATTRIB_PAN 3  /* balance, -1..1 */
+
+#define BASS_POS_BYTE 0
+
+typedef struct {
+    uint32_t minbuf;  /* smallest buffer in ms that the device runs with */
+    uint32_t latency; /* ms from the device's callback to the ear */
+    uint32_t freq;    /* Hz */
+} BASS_INFO;
+
+typedef struct {
+    const char* name;
+    const char* driver;
+    uint32_t flags; /* 1 enabled, 2 the default, 4 in use */
+} BASS_DEVICEINFO;
+
+typedef struct {
+    uint32_t freq;
+    uint32_t chans;
+    uint32_t flags;
+    const char* filename; /* for file streams, else null; lives as long as the stream */
+} BASS_CHANNELINFO;
+
+/// The format block of a PCM file.
+typedef struct {
+    uint16_t wFormatTag;
+    uint16_t nChannels;
+    uint32_t nSamplesPerSec;
+    uint32_t nAvgBytesPerSec;
+    uint16_t nBlockAlign;
+    uint16_t wBitsPerSample;
+    uint16_t cbSize;
+} WAVEFORMATEX;
+
+/* Library and device. Device 0 is "No sound", a clock without ears; -1 is the system's default. */
+
+/// 0x0204 in the high word.
+SOUND_API uint32_t BASS_GetVersion(void);
+SOUND_API int32_t BASS_ErrorGetCode(void);
+SOUND_API int BASS_Init(int32_t device, uint32_t freq, uint32_t flags, void* window, const void* unused);
+/// Frees every stream, encoder and the device.
+SOUND_API int BASS_Free(void);
+SOUND_API int32_t BASS_GetDevice(void);
+SOUND_API int BASS_GetInfo(BASS_INFO* info);
+SOUND_API int BASS_GetDeviceInfo(uint32_t device, BASS_DEVICEINFO* info);
+SOUND_API int BASS_SetConfig(uint32_t option, uint32_t value);
+SOUND_API uint32_t BASS_GetConfig(uint32_t option);
+
+/* Streams */
+
+/// A file from `offset`, `length` bytes of it (0, 0: all). WMA is left to `BASS_WMA_StreamCreateFile`.
+SOUND_API HSTREAM BASS_StreamCreateFile(int mem, const void* file, uint64_t offset, uint64_t length, uint32_t flags);
+SOUND_API HSTREAM BASS_WMA_StreamCreateFile(int mem, const void* file, uint64_t offset, uint64_t length,
+                                            uint32_t flags);
+SOUND_API HSTREAM BASS_StreamCreate(uint32_t freq, uint32_t chans, uint32_t flags, STREAMPROC* proc, SOUND_USER user);
+SOUND_API int BASS_StreamFree(HSTREAM handle);
+
+SOUND_API int BASS_ChannelPlay(uint32_t handle, int restart);
+SOUND_API int BASS_ChannelStop(uint32_t handle);
+/// Pulls up to `length` bytes; the count pulled, or -1.
+SOUND_API uint32_t BASS_ChannelGetData(uint32_t handle, void* buffer, uint32_t length);
+SOUND_API int BASS_ChannelGetInfo(uint32_t handle, BASS_CHANNELINFO* info);
+/// Exact to the sample, for every format; -1 for a stream without an end.
+SOUND_API uint64_t BASS_ChannelGetLength(uint32_t handle, uint32_t mode);
+SOUND_API double BASS_ChannelBytes2Seconds(uint32_t handle, uint64_t position);
+/// The byte of floor(`position` x rate) frames.
+SOUND_API uint64_t BASS_ChannelSeconds2Bytes(uint32_t handle, double position);
+SOUND_API int BASS_ChannelSetPosition(uint32_t handle, uint64_t position, uint32_t mode);
+SOUND_API int BASS_ChannelSetAttribute(uint32_t handle, uint32_t attribute, float value);
+SOUND_API int BASS_ChannelGetAttribute(uint32_t handle, uint32_t attribute, float* value);
+/// Of higher `priority` runs earlier; equal ones in the order they were set.
+SOUND_API HDSP BASS_ChannelSetDSP(uint32_t handle, DSPPROC* proc, SOUND_USER user, int32_t priority);
+SOUND_API int BASS_ChannelRemoveDSP(uint32_t handle, HDSP dsp);
+
+/* Mixers: sum their sources, whatever their rate, and give silence without any. */
+
+SOUND_API HSTREAM BASS_Mixer_StreamCreate(uint32_t freq, uint32_t chans, uint32_t flags);
+SOUND_API int BASS_Mixer_StreamAddChannel(HSTREAM mixer, HSTREAM channel, uint32_t flags);
+/// The source joins after `start` bytes of the mixer and leaves after `length` bytes more (0: at its end).
+SOUND_API int BASS_Mixer_StreamAddChannelEx(HSTREAM mixer, HSTREAM channel, uint32_t flags, uint64_t start,
+                                            uint64_t length);
+SOUND_API int BASS_Mixer_ChannelRemove(HSTREAM channel);
+
+/* Encoders. A file has the rate and channels that its encoder was opened with, whatever the stream's. */
+
+/// Writes what `handle` gives from now on; with BASS_ENCODE_PAUSE, from `BASS_Encode_SetPaused(encoder, 0)` on.
+SOUND_API HENCODE BASS_Encode_StartACMFile(uint32_t handle, const WAVEFORMATEX* format, uint32_t flags,
+                                           const char* file);
+SOUND_API int BASS_Encode_SetPaused(HENCODE encoder, int paused);
+/// Ends the file. 0 with SOUND_ERROR_WRITE when it does not hold all it was given; it is closed all the same.
+SOUND_API int BASS_Encode_Stop(HENCODE encoder);
+/// A file of `freq` Hz and `chans` channels at the nearest of the rates that the format takes.
+SOUND_API HWMENCODE BASS_WMA_EncodeOpenFile(uint32_t freq, uint32_t chans, uint32_t flags, uint32_t bitrate,
+                                            const char* file);
+SOUND_API int BASS_WMA_EncodeWrite(HWMENCODE encoder, const void* buffer, uint32_t length);
+/// As `BASS_Encode_Stop`.
+SOUND_API int BASS_WMA_EncodeClose(HWMENCODE encoder);
+/// Rates in bit/s in rising order, ended by 0; null for a format that WMA does not take. Lives until the next call.
+SOUND_API const uint32_t* BASS_WMA_EncodeGetRates(uint32_t freq, uint32_t chans, uint32_t flags);
+
+/* Beyond the given operations */
+
+/// A whole file as a decoding stereo stream at `freq`: frame n of it is frame n of the file resampled from its start,
+/// wherever reading begins. Workers decode ahead of the reader; an offline pull waits for them, the device never does.
+SOUND_API HSTREAM Sound_ClipCreate(const char* file, uint32_t freq);
+/// What `BASS_WMA_EncodeWrite` is given has this rate and stereo; until it is called, the encoder's own format.
+SOUND_API int Sound_WMA_EncodeSetInput(HWMENCODE encoder, uint32_t freq, uint32_t chans);
+/// How many threads share an offline pull and decode ahead, at least 1; 0 is one per core, the default.
+SOUND_API void Sound_SetThreads(uint32_t threads);
+/// The one heartbeat of the device; null takes it away.
+SOUND_API int Sound_SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user);
+/// Edits between begin and end reach the mixing thread together. Calls may nest.
+SOUND_API void Sound_BeginEdit(void);
+SOUND_API void Sound_EndEdit(void);
+/// Frames that the device asked for in vain since it was started.
+SOUND_API uint64_t Sound_MissedFrames(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
