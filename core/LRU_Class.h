@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,8 @@ public:
     void LoadXMLData(std::string_view xml);
 
 private:
+    void CloseGaps(const std::function<bool(const std::string&)>& isGap);
+
     std::array<std::string, kSlots> m_files;
 };
 

@@ -1,0 +1,87 @@
+#include "core/ProgramFolders.h"
+
+#include "core/TextUtilities.h"
+
+#include <algorithm>
+#include <array>
+
+namespace velmora::core {
+namespace {
+
+constexpr std::string_view kLockFile = "accheck.dat";
+constexpr std::string_view kAudioFolderEnding = " - audio files";
+/// What the program itself puts beside the sound.
+constexpr std::array<std::string_view, 2> kOwnFiles{kLockFile, "wavecache.dat"};
+
+void MakeFolderWithParents(Files& files, const std::string& folder)
+{
+    if (folder.empty() || files.FolderExists(folder)) {
+        return;
+    }
+    const std::string parent = FolderOfPath(folder);
+    if (parent != folder) {
+        MakeFolderWithParents(files, parent);
+    }
+    files.MakeFolderIfMissing(folder);
+}
+
+/// Whether `name` in `parent` is the audio folder of a project file beside it.
+bool BelongsToProjectFile(const Files& files, const std::string& parent, const std::string& name)
+{
+    if (!LowerCase(name).ends_with(kAudioFolderEnding)) {
+        return false;
+    }
+    const std::string base = name.substr(0, name.size() - kAudioFolderEnding.size());
+    return !files.ListFiles(parent, base + ".audioproj").empty();
+}
+
+void ClearProject(Environment& environment, const std::string& folder)
+{
+    Files& files = environment.files;
+    if (!files.FileCanBeOpened(folder + '\\' + std::string(kLockFile)) || !files.ListFolders(folder).empty()) {
+        return;
+    }
+    const std::vector<std::string> names = files.ListFiles(folder, "*.*");
+    const auto endsWith = [&names](std::string_view ending) {
+        return std::ranges::any_of(names, [ending](const auto& name) { return LowerCase(name).ends_with(ending); });
+    };
+    if (endsWith(".take") || endsWith(".audioproj")) {
+        return;
+    }
+    const auto isOwn = [](const std::string& name) {
+        return std::ranges::find(kOwnFiles, LowerCase(name)) != kOwnFiles.end();
+    };
+    if (!std::ranges::all_of(names, isOwn)) {
+        environment.ports.trash.Move(folder);
+        return;
+    }
+    for (const std::string& name : names) {
+        files.DeleteFile(folder + '\\' + name);
+    }
+    files.DeleteEmptyFolder(folder);
+}
+
+} // namespace
+
+void MakeProgramFolders(Environment& environment)
+{
+    const std::string presets = environment.paths.GetPath("presets");
+    for (const std::string& folder :
+         {environment.paths.GetPath("newprojects"), environment.paths.GetPath("config"), presets, presets + "\\Fx",
+          presets + "\\FxPacks-Voice", presets + "\\FxPacks-Music"}) {
+        MakeFolderWithParents(environment.files, folder);
+    }
+}
+
+void ClearAbandonedProjects(Environment& environment)
+{
+    const std::string parent = environment.paths.GetPath("newprojects");
+    for (const std::string& name : environment.files.ListFolders(parent)) {
+        if (LowerCase(name).find("project") != std::string::npos &&
+            !BelongsToProjectFile(environment.files, parent, name)) {
+            ClearProject(environment, parent + '\\' + name);
+        }
+    }
+}
+
+} // namespace velmora::core

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "core/Environment.h"
+
+/// The program's own folders, at its start.
+namespace velmora::core {
+
+/// Makes the "newprojects", "config" and "presets" folders of the path table, and those for effects inside the last,
+/// each only if absent, with the folders above them.
+void MakeProgramFolders(Environment& environment);
+
+/// Removes the folders of new projects that were never saved and that no running instance holds. One that holds sound
+/// goes to the trash, or stays when the trash does not take it. Left alone are a folder that somebody holds, one with
+/// the journal of a take (`*.take`) that the user has not been asked about, one that belongs to a saved project, and
+/// one with folders inside.
+void ClearAbandonedProjects(Environment& environment);
+
+} // namespace velmora::core
