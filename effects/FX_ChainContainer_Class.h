@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,9 +57,16 @@ public:
 private:
     using Chains = std::vector<std::shared_ptr<FX_Chain_Class>>;
 
-    void StartOne(FX_Chain_Class& chain);
+    /// What a text holds; `whole` tells whether all that it announces was read.
+    struct ChainList {
+        core::ClassID id = 0;
+        Chains chains;
+        bool whole = true;
+    };
+
     void StartCopies();
-    Chains ReadChains(std::string_view xml, bool assignNewIDs, core::ClassID& id, bool& whole) const;
+    std::optional<ChainList> ReadChains(std::string_view xml, bool assignNewIDs) const;
+    void TakeChains(Chains chains, core::ClassID id);
 
     core::Environment& m_environment;
     core::ClassID m_classID;

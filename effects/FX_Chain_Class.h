@@ -68,6 +68,8 @@ private:
     const FxItem* Find(core::ClassID FxID) const;
     FxItem* Find(core::ClassID FxID);
     void RenumberPriorities();
+    /// Gives the chain and its effects the ids of their text, fresh ones where these cannot be used or stand twice.
+    void AdoptIds(core::ClassID chainID, bool assignNewIDs);
 
     core::Environment& m_environment;
     core::ClassID m_classID;

@@ -1,0 +1,204 @@
+#include "effects/FX_ChainContainer_Class.h"
+
+#include "effects/internal/AdoptedIds.h"
+#include "engine/audioplayer.h"
+#include "persistence/UTIL_XMLRead.h"
+#include "persistence/UTIL_XMLWrite.h"
+#include "soundlayer/soundlayer.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace velmora::effects {
+namespace {
+
+/// No text holds more chains than it has room for tags, whatever number it announces.
+constexpr std::size_t kShortestItem = 20;
+
+/// What is edited while one lives reaches the device together.
+struct GraphEdit {
+    GraphEdit() { Sound_BeginEdit(); }
+    ~GraphEdit() { Sound_EndEdit(); }
+    GraphEdit(const GraphEdit&) = delete;
+    GraphEdit& operator=(const GraphEdit&) = delete;
+};
+
+std::string ItemName(std::int32_t number)
+{
+    return "FxChain item=\"" + std::to_string(number) + "\"";
+}
+
+} // namespace
+
+FX_ChainContainer_Class::FX_ChainContainer_Class(core::Environment& environment)
+    : m_environment(environment)
+    , m_classID(environment.ids.Draw())
+{
+}
+
+FX_ChainContainer_Class::~FX_ChainContainer_Class()
+{
+    FX_Stop();
+}
+
+core::ClassID FX_ChainContainer_Class::AddChannel()
+{
+    m_chains.push_back(std::make_shared<FX_Chain_Class>(m_environment));
+    return m_chains.back()->ClassID();
+}
+
+void FX_ChainContainer_Class::RemoveChannel(core::ClassID FxChainID)
+{
+    std::erase_if(m_chains, [FxChainID](const auto& chain) { return chain->ClassID() == FxChainID; });
+}
+
+std::shared_ptr<FX_Chain_Class> FX_ChainContainer_Class::Get_FXChainObj_by_ID(core::ClassID FxChainID) const
+{
+    const auto chain = std::ranges::find(m_chains, FxChainID, &FX_Chain_Class::ClassID);
+    return chain == m_chains.end() ? nullptr : *chain;
+}
+
+std::shared_ptr<FX_Chain_Class> FX_ChainContainer_Class::Get_FXChainObj_by_Index(std::int32_t Index) const
+{
+    return Index >= 1 && Index <= TotalChannels() ? m_chains[static_cast<std::size_t>(Index) - 1] : nullptr;
+}
+
+void FX_ChainContainer_Class::FX_Start()
+{
+    const GraphEdit edit;
+    FX_Stop();
+    m_startedChannels = TotalChannels();
+    if (m_startedChannels > 1) {
+        StartCopies();
+    } else if (m_startedChannels == 1) {
+        FX_Chain_Class& chain = *m_chains.front();
+        chain.BassStream_Handle = BassInStream_Handle;
+        BASS_Mixer_StreamAddChannel(BassOutStream_Handle, BassInStream_Handle, 0);
+        // The chain works on the channel's own stream, whose level and pan belong to the channel.
+        chain.pan(0);
+        chain.volume(100);
+    }
+}
+
+void FX_ChainContainer_Class::StartCopies()
+{
+    core::MessageBoxes& messages = m_environment.ports.messages;
+    const std::int32_t rate = m_environment.config.BassDevice_Freq;
+    messages.Show("Invalid FXChain arg");
+    if (StreamCopy_AddSourceStream(BassInStream_Handle, rate) == 0) {
+        messages.Show("StreamCopy_AddSourceStream Error: " + std::to_string(BASS_ErrorGetCode()) +
+                      "\nFX_ChainContainerClass::FX_Start");
+    }
+    for (const auto& chain : m_chains) {
+        messages.Show("Error in FXChain: Invalid args");
+        chain->BassStream_Handle =
+            StreamCopy_AddDestStream(BassInStream_Handle, rate, BASS_STREAM_DECODE | BASS_SAMPLE_SOFTWARE);
+        chain->pan(chain->pan());
+        chain->volume(chain->volume());
+        if (BASS_Mixer_StreamAddChannel(BassOutStream_Handle, chain->BassStream_Handle, 0) == 0) {
+            messages.Beep();
+        }
+    }
+}
+
+void FX_ChainContainer_Class::FX_Stop()
+{
+    if (m_startedChannels == core::kUnset) {
+        return;
+    }
+    const GraphEdit edit;
+    const bool single = std::exchange(m_startedChannels, core::kUnset) == 1;
+    core::MessageBoxes& messages = m_environment.ports.messages;
+    for (const auto& chain : m_chains) {
+        const std::uint32_t stream = std::exchange(chain->BassStream_Handle, 0);
+        if (stream != 0 && !single) {
+            messages.Show("Invalid FX Chain args");
+            StreamCopy_RemoveDestStream(stream);
+        }
+    }
+    if (single) {
+        BASS_Mixer_ChannelRemove(BassInStream_Handle);
+    } else {
+        messages.Show("Invalid FX Chain args");
+        StreamCopy_RemoveSourceStream(BassInStream_Handle);
+    }
+}
+
+std::string FX_ChainContainer_Class::GetXMLData() const
+{
+    persistence::UTIL_XMLWrite writer;
+    writer.SetMasterTag("FX_ChainList");
+    writer.Add_Element("TotalN", TotalChannels());
+    writer.Add_Element("ID", m_classID);
+    for (std::int32_t number = 1; number <= TotalChannels(); ++number) {
+        writer.Add_RawElement(ItemName(number), m_chains[static_cast<std::size_t>(number) - 1]->GetXMLData());
+    }
+    return writer.GetXMLString();
+}
+
+bool FX_ChainContainer_Class::LoadXMLData(std::string_view XMLData, bool AssignNewIDs)
+{
+    const std::optional<ChainList> list = ReadChains(XMLData, AssignNewIDs);
+    TakeChains(list ? list->chains : Chains{}, list ? list->id : m_classID);
+    return list.has_value();
+}
+
+bool FX_ChainContainer_Class::LoadPack(std::string_view XMLData)
+{
+    const std::optional<ChainList> list = ReadChains(XMLData, true);
+    if (!list || !list->whole || list->chains.empty()) {
+        return false;
+    }
+    TakeChains(list->chains, list->id);
+    return true;
+}
+
+void FX_ChainContainer_Class::TakeChains(Chains chains, core::ClassID id)
+{
+    const GraphEdit edit;
+    FX_Stop();
+    m_chains = std::move(chains);
+    m_classID = id;
+    FX_Start();
+}
+
+std::optional<FX_ChainContainer_Class::ChainList> FX_ChainContainer_Class::ReadChains(std::string_view xml,
+                                                                                      bool assignNewIDs) const
+{
+    auto reader = persistence::UTIL_XMLRead::WithMasterTag(xml);
+    if (!reader.MasterTagIs("fx_chainlist")) {
+        return std::nullopt;
+    }
+    ChainList list;
+    std::int32_t announced = 0;
+    reader.ReadElement("ID", list.id, 0.0);
+    reader.ReadElement("TotalN", announced, 0);
+    const auto room = static_cast<std::int32_t>(std::min(xml.size() / kShortestItem, std::size_t{INT32_MAX}));
+    for (std::int32_t number = 1; number <= std::min(announced, room); ++number) {
+        const auto text = reader.ReadRaw(ItemName(number));
+        auto chain = std::make_shared<FX_Chain_Class>(m_environment);
+        bool chainWhole = false;
+        if (text && chain->LoadXMLData(*text, assignNewIDs, &chainWhole)) {
+            list.chains.push_back(std::move(chain));
+        }
+        list.whole = list.whole && chainWhole;
+    }
+    list.whole = list.whole && std::cmp_equal(list.chains.size(), announced);
+
+    core::ClassIdCounter& ids = m_environment.ids;
+    std::unordered_set<core::ClassID> seen;
+    for (const auto& chain : list.chains) {
+        if (!seen.insert(chain->ClassID()).second) {
+            chain->m_classID = ids.Draw();
+        }
+    }
+    if (assignNewIDs || !UsableId(list.id)) {
+        list.id = ids.Draw();
+    } else {
+        ids.RiseAbove(list.id);
+    }
+    return list;
+}
+
+} // namespace velmora::effects

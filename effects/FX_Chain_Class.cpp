@@ -1,0 +1,212 @@
+#include "effects/FX_Chain_Class.h"
+
+#include "core/BassHelpers.h"
+#include "effects/internal/AdoptedIds.h"
+#include "persistence/UTIL_XMLRead.h"
+#include "persistence/UTIL_XMLWrite.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace velmora::effects {
+namespace {
+
+constexpr core::ClassID kNoId = -1;
+/// Effects of this priority and above keep it when the others are renumbered.
+constexpr std::int32_t kPriorityBound = 100'000'000;
+/// No text holds more items than it has room for tags, whatever number it announces.
+constexpr std::size_t kShortestItem = 20;
+
+std::string ItemName(std::int32_t index)
+{
+    return "Fx item=\"" + std::to_string(index) + "\"";
+}
+
+} // namespace
+
+FX_Chain_Class::FX_Chain_Class(core::Environment& environment)
+    : m_environment(environment)
+    , m_classID(environment.ids.Draw())
+{
+}
+
+core::ClassID FX_Chain_Class::AddFX(std::int32_t Priority, bool Enable, std::shared_ptr<FX_Data_Class> FxDataOBJ)
+{
+    m_items.push_back({m_environment.ids.Draw(), Priority, std::move(FxDataOBJ), Enable});
+    return m_items.back().FxID;
+}
+
+void FX_Chain_Class::RemoveFX(core::ClassID FxID)
+{
+    if (FxItem* item = Find(FxID)) {
+        std::swap(*item, m_items.back());
+        m_items.pop_back();
+    }
+}
+
+void FX_Chain_Class::SetFX_Status(core::ClassID FxID, bool Enable)
+{
+    if (FxItem* item = Find(FxID)) {
+        item->Enable = Enable;
+    }
+}
+
+bool FX_Chain_Class::GetFx_Status(core::ClassID FxID) const
+{
+    const FxItem* item = Find(FxID);
+    return item && item->Enable;
+}
+
+const FxItem* FX_Chain_Class::GetFxClass_by_Index(std::int32_t Index) const
+{
+    return Index >= 0 && Index <= FX_TotalN() ? &m_items[static_cast<std::size_t>(Index)] : nullptr;
+}
+
+const FxItem* FX_Chain_Class::GetFxClass_by_ID(core::ClassID FxID) const
+{
+    return Find(FxID);
+}
+
+void FX_Chain_Class::ChangeFX_Priority(core::ClassID FxID, std::int32_t NewPriority)
+{
+    if (FxItem* item = Find(FxID)) {
+        item->Priority = NewPriority;
+        RenumberPriorities();
+    }
+}
+
+void FX_Chain_Class::pan(std::int32_t value)
+{
+    m_pan = value;
+    if (BassStream_Handle != 0) {
+        core::BassSetAttributes(BassStream_Handle, -1, -1, value);
+    }
+}
+
+void FX_Chain_Class::volume(std::int32_t value)
+{
+    m_volume = value;
+    if (BassStream_Handle != 0) {
+        core::BassSetAttributes(BassStream_Handle, -1, value, -101);
+    }
+}
+
+std::string FX_Chain_Class::GetXMLData() const
+{
+    persistence::UTIL_XMLWrite writer;
+    writer.SetMasterTag("FX_Chain_Class");
+    writer.Add_Element("ID", m_classID);
+    writer.Add_Element("Pan", m_pan);
+    writer.Add_Element("Volume", m_volume);
+    writer.Add_Element("TotalFx", static_cast<std::int32_t>(m_items.size()));
+    for (std::int32_t i = 0; i <= FX_TotalN(); ++i) {
+        const FxItem& item = m_items[static_cast<std::size_t>(i)];
+        persistence::UTIL_XMLWrite nested;
+        nested.Add_Element("Enabled", item.Enable);
+        nested.Add_Element("ID", item.FxID);
+        nested.Add_Element("Priority", item.Priority);
+        nested.Add_RawElement("Data", item.FxDataOBJ ? item.FxDataOBJ->GetXMLData() : std::string());
+        writer.Add_RawElement(ItemName(i), nested.GetXMLString());
+    }
+    return writer.GetXMLString();
+}
+
+bool FX_Chain_Class::LoadXMLData(std::string_view XMLData, bool AssignNewIDs, bool* whole)
+{
+    auto reader = persistence::UTIL_XMLRead::WithMasterTag(XMLData);
+    if (!reader.MasterTagIs("fx_chain_class")) {
+        return false;
+    }
+    core::ClassID id = 0;
+    std::int32_t announced = 0;
+    reader.ReadElement("ID", id, 0.0);
+    reader.ReadElement("Pan", m_pan, 0);
+    reader.ReadElement("Volume", m_volume, 100);
+    reader.ReadElement("TotalFx", announced, 0);
+
+    bool invalidData = false;
+    std::vector<FxItem> items;
+    const auto room = static_cast<std::int32_t>(std::min(XMLData.size() / kShortestItem, std::size_t{INT32_MAX}));
+    for (std::int32_t i = 0; i < std::min(announced, room); ++i) {
+        const auto text = reader.ReadRaw(ItemName(i));
+        if (!text) {
+            continue;
+        }
+        auto nested = persistence::UTIL_XMLRead::Plain(*text);
+        FxItem item;
+        nested.ReadElement("Enabled", item.Enable, false);
+        nested.ReadElement("ID", item.FxID, kNoId);
+        nested.ReadElement("Priority", item.Priority, 10);
+        if (item.FxID == kNoId && !AssignNewIDs) {
+            continue;
+        }
+        item.FxDataOBJ = std::make_shared<FX_Data_Class>(m_environment.ports.messages);
+        if (!item.FxDataOBJ->Read(nested.ReadRaw("Data").value_or(""))) {
+            invalidData = true;
+            continue;
+        }
+        items.push_back(std::move(item));
+    }
+    if (whole) {
+        *whole = std::cmp_equal(items.size(), std::max(announced, 0));
+    }
+    m_items = std::move(items);
+    AdoptIds(id, AssignNewIDs);
+    RenumberPriorities();
+    if (invalidData) {
+        FX_Data_Class::ReportInvalidData(m_environment.ports.messages);
+    }
+    return true;
+}
+
+void FX_Chain_Class::AdoptIds(core::ClassID chainID, bool assignNewIDs)
+{
+    // The counter rises above all ids of the text before the first fresh one is drawn.
+    core::ClassIdCounter& ids = m_environment.ids;
+    std::unordered_set<core::ClassID> seen;
+    std::vector<FxItem*> withoutId;
+    for (FxItem& item : m_items) {
+        if (assignNewIDs || !UsableId(item.FxID) || !seen.insert(item.FxID).second) {
+            withoutId.push_back(&item);
+        } else {
+            ids.RiseAbove(item.FxID);
+        }
+    }
+    const bool adopt = !assignNewIDs && UsableId(chainID);
+    if (adopt) {
+        ids.RiseAbove(chainID);
+    }
+    m_classID = adopt ? chainID : ids.Draw();
+    for (FxItem* item : withoutId) {
+        item->FxID = ids.Draw();
+    }
+}
+
+const FxItem* FX_Chain_Class::Find(core::ClassID FxID) const
+{
+    const auto item = std::ranges::find(m_items, FxID, &FxItem::FxID);
+    return item == m_items.end() ? nullptr : &*item;
+}
+
+FxItem* FX_Chain_Class::Find(core::ClassID FxID)
+{
+    return const_cast<FxItem*>(std::as_const(*this).Find(FxID));
+}
+
+void FX_Chain_Class::RenumberPriorities()
+{
+    std::vector<FxItem*> ordered;
+    for (FxItem& item : m_items) {
+        if (item.Priority < kPriorityBound) {
+            ordered.push_back(&item);
+        }
+    }
+    std::ranges::stable_sort(ordered, {}, &FxItem::Priority);
+    std::int32_t number = 0;
+    for (FxItem* item : ordered) {
+        item->Priority = number += 10;
+    }
+}
+
+} // namespace velmora::effects
