@@ -11,13 +11,23 @@ namespace velmora::project {
 class ProjectFile_Class;
 }
 
+namespace velmora::core {
+struct MsgParametersClass;
+}
+
 namespace velmora::audio {
+
+struct ExportClip;
+class ClipSchedule;
+class MeteredStream;
+class OfflineMaster;
 
 /// Shows how far an export has come.
 class ExportProgress {
 public:
     virtual ~ExportProgress() = default;
-    /// Called each 300 ms of the timeline; `meter` is the master's level on a scale of 0..40. False cancels.
+    /// Called each 300 ms of the timeline and at its end; `meter` is the master's level on a scale of 0..40. False
+    /// cancels.
     virtual bool Update(std::int64_t positionMS, std::int64_t totalMS, std::int32_t meter) = 0;
 };
 
@@ -32,7 +42,6 @@ public:
     enum class Outcome { NotRun, Done, Cancelled, Failed };
 
     AudioExport(core::Environment& environment, project::ProjectFile_Class& project, ExportProgress& progress);
-    ~AudioExport();
     AudioExport(const AudioExport&) = delete;
     AudioExport& operator=(const AudioExport&) = delete;
 
@@ -55,6 +64,7 @@ public:
     void StartExport();
     /// Ends a run at its next report of progress; the file stays as far as it got.
     void StopExport();
+    /// A run is under way.
     bool Exporting() const { return m_exporting; }
 
     Outcome Result() const { return m_outcome; }
@@ -62,21 +72,34 @@ public:
     const std::vector<std::string>& UnreadableFiles() const { return m_unreadableFiles; }
 
 private:
+    static constexpr std::int32_t kNoFormat = -1;
+
+    /// How a run ended, and what is said about it; "" says nothing.
+    struct Ending {
+        Outcome outcome = Outcome::Failed;
+        std::string text;
+        core::Icon icon = core::Icon::Exclamation;
+        std::string title = "Velmora";
+    };
+    enum class LoopEnd { Finished, Cancelled, NoSound };
+
     void Run();
-    Outcome RunGuarded();
-    /// The offline loop.
-    bool FastExport();
+    Ending Export();
+    LoopEnd FastExport(ClipSchedule& clips, OfflineMaster& master, const MeteredStream& meter);
+    std::vector<ExportClip> Clips() const;
+    bool OverwritesSource(const std::vector<ExportClip>& clips) const;
+    void Send(std::int32_t msgID, core::MsgParametersClass& params);
 
     core::Environment& m_environment;
     project::ProjectFile_Class& m_project;
     ExportProgress& m_progress;
-    std::int32_t m_encoderFormat = -1;
+    std::int32_t m_encoderFormat = kNoFormat;
     bool m_exporting = false;
     bool m_stopRequested = false;
     Outcome m_outcome = Outcome::NotRun;
     std::vector<std::string> m_unreadableFiles;
-    /// Lets a run that waits on the bus know that this is gone.
-    std::shared_ptr<AudioExport*> m_self;
+    /// Tells a run that waits on the bus whether this still lives.
+    std::shared_ptr<const bool> m_alive;
 };
 
 } // namespace velmora::audio

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "core/ClassIds.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace velmora::project {
+class ProjectFile_Class;
+}
+
+/// What an export changes around itself. Each puts its part back when it goes, also when a receiver has failed.
+namespace velmora::audio {
+
+/// Refuses input to the main window and the effects' dialogs.
+class LockedInterface {
+public:
+    explicit LockedInterface(project::ProjectFile_Class& project);
+    ~LockedInterface();
+    LockedInterface(const LockedInterface&) = delete;
+    LockedInterface& operator=(const LockedInterface&) = delete;
+
+private:
+    project::ProjectFile_Class& m_project;
+};
+
+/// Live monitoring of all channels is off between `Begin` and the end.
+class LiveMonitoringPause {
+public:
+    explicit LiveMonitoringPause(project::ProjectFile_Class& project);
+    ~LiveMonitoringPause();
+    LiveMonitoringPause(const LiveMonitoringPause&) = delete;
+    LiveMonitoringPause& operator=(const LiveMonitoringPause&) = delete;
+
+    void Begin();
+
+private:
+    project::ProjectFile_Class& m_project;
+    std::vector<core::ClassID> m_live;
+};
+
+/// The level of a stream, metered.
+class MeteredStream {
+public:
+    explicit MeteredStream(std::uint32_t stream);
+    ~MeteredStream();
+    MeteredStream(const MeteredStream&) = delete;
+    MeteredStream& operator=(const MeteredStream&) = delete;
+
+    /// The last block's level on the meter's scale of 0..40, where 40 is -0 dB and 0 is -40 dB or less.
+    std::int32_t Meter() const;
+
+private:
+    std::uint32_t m_stream;
+    std::uint32_t m_dsp;
+};
+
+} // namespace velmora::audio
