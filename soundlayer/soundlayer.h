@@ -115,7 +115,7 @@ SOUND_API uint32_t BASS_GetConfig(uint32_t option);
 
 /* Streams */
 
-/// A file from `offset`, `length` bytes of it (0, 0: all). WMA is left to `BASS_WMA_StreamCreateFile`.
+/// A whole file: `mem`, `offset` and `length` are 0. WMA is left to `BASS_WMA_StreamCreateFile`.
 SOUND_API HSTREAM BASS_StreamCreateFile(int mem, const void* file, uint64_t offset, uint64_t length, uint32_t flags);
 SOUND_API HSTREAM BASS_WMA_StreamCreateFile(int mem, const void* file, uint64_t offset, uint64_t length,
                                             uint32_t flags);
@@ -170,7 +170,7 @@ SOUND_API const uint32_t* BASS_WMA_EncodeGetRates(uint32_t freq, uint32_t chans,
 /// A whole file as a decoding stereo stream at `freq`: frame n of it is frame n of the file resampled from its start,
 /// wherever reading begins. Workers decode ahead of the reader; an offline pull waits for them, the device never does.
 SOUND_API HSTREAM Sound_ClipCreate(const char* file, uint32_t freq);
-/// What `BASS_WMA_EncodeWrite` is given has this rate and stereo; until it is called, the encoder's own format.
+/// The format of what `BASS_WMA_EncodeWrite` is given; until this is called, the file's own. Before the first write.
 SOUND_API int Sound_WMA_EncodeSetInput(HWMENCODE encoder, uint32_t freq, uint32_t chans);
 /// How many threads share an offline pull and decode ahead, at least 1; 0 is one per core, the default.
 SOUND_API void Sound_SetThreads(uint32_t threads);

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace velmora::soundlayer {
+
+/// Where the sound goes. Adapters differ, nothing above knows which one it has.
+class AudioDevice {
+public:
+    /// Asks for `frames` stereo frames at `out`; called on the device's own thread. [RT]
+    using Callback = std::function<void(std::int16_t* out, std::size_t frames)>;
+
+    virtual ~AudioDevice() = default;
+    /// Calls back from now on, at `rate` Hz. False when the device refuses.
+    virtual bool Start(std::uint32_t rate, Callback callback) = 0;
+    /// No call comes after it has returned.
+    virtual void Stop() = 0;
+    /// ms from the callback to the ear.
+    virtual std::uint32_t LatencyMS() const = 0;
+    /// Smallest buffer in ms that the device runs with.
+    virtual std::uint32_t MinBufferMS() const = 0;
+};
+
+/// "No sound": asks for frames by the monotonic clock and drops them.
+std::unique_ptr<AudioDevice> MakeNoSoundDevice();
+
+} // namespace velmora::soundlayer

@@ -1,0 +1,107 @@
+#include "soundlayer/internal/GraphEdits.h"
+
+#include <chrono>
+#include <thread>
+#include <utility>
+
+namespace velmora::soundlayer {
+
+GraphEdits::GraphEdits()
+    : m_pending(kQueueLength)
+    , m_applied(kQueueLength)
+{
+}
+
+GraphEdits::~GraphEdits()
+{
+    SetMixing(false);
+}
+
+void GraphEdits::End()
+{
+    if (--m_depth == 0 && m_open) {
+        Submit();
+    }
+}
+
+void GraphEdits::Replace(std::shared_ptr<void> owner, Published& slot, std::shared_ptr<const void> value)
+{
+    EditScope scope(*this);
+    if (!m_open) {
+        m_open = std::make_unique<Batch>();
+    }
+    m_open->push_back({std::move(owner), &slot, std::move(value)});
+}
+
+void GraphEdits::Retire(std::shared_ptr<const void> object)
+{
+    EditScope scope(*this);
+    if (!m_open) {
+        m_open = std::make_unique<Batch>();
+    }
+    m_open->push_back({nullptr, nullptr, std::move(object)});
+}
+
+void GraphEdits::SetMixing(bool mixing)
+{
+    m_mixing = mixing;
+    if (!mixing) {
+        ApplyPending();
+        FreeApplied();
+    }
+}
+
+void GraphEdits::Flush()
+{
+    while (m_mixing && m_done.load(std::memory_order_acquire) != m_submitted) {
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    FreeApplied();
+}
+
+void GraphEdits::ApplyPending()
+{
+    Batch* batch = nullptr;
+    while (m_pending.try_dequeue(batch)) {
+        Apply(*batch);
+        // There is room: both queues are of one length, and the interface thread empties this one before it fills the
+        // other.
+        m_applied.try_enqueue(batch);
+        m_done.fetch_add(1, std::memory_order_release);
+    }
+}
+
+void GraphEdits::Apply(Batch& batch)
+{
+    for (Edit& edit : batch) {
+        if (edit.slot) {
+            std::swap(edit.slot->m_value, edit.value);
+        }
+    }
+}
+
+void GraphEdits::Submit()
+{
+    std::unique_ptr<Batch> batch = std::move(m_open);
+    FreeApplied();
+    if (!m_mixing) {
+        Apply(*batch);
+        return;
+    }
+    while (!m_pending.try_enqueue(batch.get())) {
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+        FreeApplied();
+    }
+    ++m_submitted;
+    batch.release();
+}
+
+void GraphEdits::FreeApplied()
+{
+    Batch* batch = nullptr;
+    while (m_applied.try_dequeue(batch)) {
+        delete batch;
+    }
+}
+
+} // namespace velmora::soundlayer

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "soundlayer/internal/GainGlide.h"
+#include "soundlayer/internal/SourceResampler.h"
+#include "soundlayer/internal/Stream.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace velmora::soundlayer {
+
+/// A stereo stream that sums its sources and gives silence without any; it never ends.
+///
+/// Sources join and leave at any time. A source at another rate is resampled, a mono one is heard on both sides; its
+/// volume and pan glide over 10 ms. The sum is 32-bit float, rounded and limited once. A single source at full volume
+/// is handed through as it is. A source that has ended stays, silent, until it is removed or its position is set.
+class MixerStream : public Stream {
+public:
+    MixerStream(std::uint32_t rate, std::uint32_t flags);
+    ~MixerStream() override;
+
+    /// Adds a source, which must not have a parent, from `startFrame` of this mixer on (counted from now) for
+    /// `lengthFrames` (0: to its end).
+    void AddSource(GraphEdits& edits, std::shared_ptr<Stream> source, std::uint64_t startFrame = 0,
+                   std::uint64_t lengthFrames = 0);
+    void RemoveSource(GraphEdits& edits, Stream& source);
+    /// Makes the resampler of `source` anew, after its frequency was set or its position changed.
+    void RenewSource(GraphEdits& edits, Stream& source);
+    bool HasSources() const { return !m_edited.empty(); }
+    const std::vector<std::shared_ptr<Stream>> Sources() const;
+
+protected:
+    Block Generate(std::int16_t* out, std::size_t frames) override;
+
+private:
+    struct Source;
+    using SourceList = std::vector<std::shared_ptr<Source>>;
+
+    std::shared_ptr<Source> MakeSource(std::shared_ptr<Stream> stream) const;
+    void Publish(GraphEdits& edits);
+    Block PullSource(Source& source, std::int16_t* out, std::size_t frames);
+
+    SourceList m_edited;
+    Published m_sources;
+    std::vector<std::int16_t> m_block;
+    std::vector<float> m_sum;
+};
+
+} // namespace velmora::soundlayer

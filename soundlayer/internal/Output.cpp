@@ -1,0 +1,149 @@
+#include "soundlayer/internal/Output.h"
+
+#include "soundlayer/internal/MixingThread.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace velmora::soundlayer {
+
+Output::Output(std::unique_ptr<AudioDevice> device, std::uint32_t rate, GraphEdits& edits)
+    : m_device(std::move(device))
+    , m_rate(rate)
+    , m_edits(edits)
+    , m_root(std::make_shared<MixerStream>(rate, BASS_MIXER_NONSTOP))
+    , m_alive(std::make_shared<int>())
+    , m_ring(FramesOf(kMaxBufferMS), 2)
+    , m_block(2 * kBlockFrames)
+{
+    m_thread = std::thread([this] { Mix(); });
+}
+
+Output::~Output()
+{
+    m_device->Stop();
+    SetMixing(false);
+    for (const auto& stream : m_root->Sources()) {
+        m_root->RemoveSource(m_edits, *stream);
+    }
+    {
+        const std::lock_guard lock(m_mutex);
+        m_ending = true;
+    }
+    m_wake.notify_all();
+    m_thread.join();
+}
+
+bool Output::Start()
+{
+    return m_device->Start(m_rate, [this](std::int16_t* out, std::size_t frames) { OnDevice(out, frames); });
+}
+
+bool Output::Playing(const Stream& stream) const
+{
+    return stream.parent == m_root.get();
+}
+
+void Output::Play(std::shared_ptr<Stream> stream)
+{
+    stream->stopped = false;
+    if (!Playing(*stream)) {
+        m_root->AddSource(m_edits, std::move(stream));
+    }
+    SetMixing(true);
+}
+
+void Output::StopPlaying(Stream& stream)
+{
+    if (!Playing(stream)) {
+        return;
+    }
+    m_root->RemoveSource(m_edits, stream);
+    if (m_root->HasSources()) {
+        m_edits.Flush();
+    } else {
+        SetMixing(false);
+    }
+}
+
+void Output::SetBuffer(std::uint32_t bufferMS, std::uint32_t periodMS)
+{
+    m_bufferMS = std::clamp<std::uint32_t>(bufferMS, 1, kMaxBufferMS);
+    m_periodMS = std::max<std::uint32_t>(periodMS, 1);
+    m_wake.notify_all();
+}
+
+void Output::SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user)
+{
+    m_edits.Replace(m_alive, m_heartbeat, proc ? std::make_shared<const Heartbeat>(Heartbeat{proc, user}) : nullptr);
+    m_edits.Flush();
+}
+
+void Output::OnDevice(std::int16_t* out, std::size_t frames)
+{
+    const std::size_t given = m_ring.Read(out, frames);
+    std::fill_n(out + 2 * given, 2 * (frames - given), std::int16_t{0});
+    if (given < frames && m_primed.load(std::memory_order_acquire)) {
+        m_missed.fetch_add(frames - given, std::memory_order_relaxed);
+    }
+}
+
+void Output::SetMixing(bool mixing)
+{
+    std::unique_lock lock(m_mutex);
+    if (m_mixing == mixing) {
+        return;
+    }
+    m_primed = false;
+    if (mixing) {
+        m_edits.SetMixing(true);
+        m_mixing = true;
+        m_wake.notify_all();
+        return;
+    }
+    m_mixing = false;
+    m_wake.wait(lock, [this] { return !m_blockUnderWay; });
+    m_edits.SetMixing(false);
+}
+
+void Output::Mix()
+{
+    const MixingThreadMark mark;
+    std::unique_lock lock(m_mutex);
+    while (true) {
+        m_wake.wait(lock, [this] { return m_mixing || m_ending; });
+        if (m_ending) {
+            return;
+        }
+        m_blockUnderWay = true;
+        lock.unlock();
+        FillRing();
+        lock.lock();
+        m_blockUnderWay = false;
+        m_wake.notify_all();
+        m_wake.wait_for(lock, std::chrono::milliseconds(m_periodMS.load()), [this] { return !m_mixing || m_ending; });
+    }
+}
+
+void Output::FillRing()
+{
+    m_edits.ApplyPending();
+    const std::size_t wanted = FramesOf(m_bufferMS.load(std::memory_order_relaxed));
+    while (m_ring.Filled() < wanted) {
+        m_edits.ApplyPending();
+        const std::size_t frames = std::min(kBlockFrames, wanted - m_ring.Filled());
+        if (const auto* heartbeat = m_heartbeat.Get<Heartbeat>()) {
+            heartbeat->proc(static_cast<std::uint32_t>(frames), heartbeat->user);
+        }
+        const Block block = m_root->Pull(m_block.data(), frames);
+        if (block.silent) {
+            m_ring.WriteSilence(frames);
+        } else {
+            m_ring.Write(m_block.data(), frames);
+        }
+    }
+    m_primed.store(true, std::memory_order_release);
+}
+
+} // namespace velmora::soundlayer

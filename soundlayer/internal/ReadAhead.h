@@ -1,0 +1,86 @@
+#pragma once
+
+#include "soundlayer/internal/FrameSource.h"
+#include "soundlayer/internal/SampleRing.h"
+#include "soundlayer/internal/Stream.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <semaphore>
+#include <thread>
+#include <vector>
+
+#include <readerwriterqueue/readerwriterqueue.h>
+
+namespace velmora::soundlayer {
+
+class ReadAhead;
+
+/// A file's frames, decoded ahead of whoever reads them.
+///
+/// Workers fill a ring; the reader takes from it. On the mixing thread a read never touches the file: what is not
+/// decoded yet is missing. Elsewhere a read waits for the decoding, or does it itself, so that the frames read never
+/// depend on who decoded them.
+class ReadBuffer : public std::enable_shared_from_this<ReadBuffer> {
+public:
+    /// Some 740 ms at 44.1 kHz.
+    static constexpr std::size_t kRingFrames = 32768;
+
+    ReadBuffer(std::unique_ptr<FrameSource> source, ReadAhead& workers);
+
+    const FrameSource& Source() const { return *m_source; }
+    /// The next read begins at `frame`. Not while somebody reads.
+    void Seek(std::int64_t frame);
+    /// Asks the workers to decode ahead. [RT]
+    void Request();
+    /// Up to `frames` frames from where the last read ended; `ended` with or behind the file's last frame. [RT] on the
+    /// mixing thread.
+    Block Read(std::int16_t* out, std::size_t frames);
+
+private:
+    friend class ReadAhead;
+
+    /// Decodes one piece into the ring; false when it is full enough or the file is over. Worker only.
+    bool Service();
+
+    std::mutex m_decoding;
+    std::unique_ptr<FrameSource> m_source;
+    SampleRing m_ring;
+    std::vector<std::int16_t> m_piece;
+    std::atomic<bool> m_sourceOver{false};
+    std::atomic<bool> m_requested{false};
+    ReadAhead& m_workers;
+};
+
+/// The workers that decode ahead. Requests come from the one thread that pulls and from the interface thread.
+class ReadAhead {
+public:
+    ReadAhead();
+    ~ReadAhead();
+
+    /// How many threads work together in an offline pull, the puller among them; at least 1.
+    void SetThreads(std::uint32_t threads);
+    /// Nobody but the puller decodes for an offline pull.
+    bool Alone() const { return m_threads.load(std::memory_order_relaxed) == 1; }
+    /// [RT] on the mixing thread, where a full queue drops the request; the next read asks again.
+    bool Request(std::shared_ptr<ReadBuffer> buffer);
+
+private:
+    void Start();
+    void Stop();
+    void Work();
+    std::shared_ptr<ReadBuffer> Next();
+
+    std::atomic<std::uint32_t> m_threads{1};
+    std::atomic<bool> m_stopping{false};
+    std::counting_semaphore<> m_waiting{0};
+    moodycamel::ReaderWriterQueue<std::shared_ptr<ReadBuffer>> m_fromMixer;
+    moodycamel::ReaderWriterQueue<std::shared_ptr<ReadBuffer>> m_fromInterface;
+    std::mutex m_taking;
+    std::vector<std::thread> m_workers;
+};
+
+} // namespace velmora::soundlayer

@@ -1,0 +1,86 @@
+#include "soundlayer/internal/SampleLoops.h"
+
+#include <bit>
+
+namespace velmora::soundlayer {
+
+namespace {
+
+/// Samples in one vector step; the two gains repeat within it.
+constexpr std::size_t kLanes = 8;
+
+struct LaneGain {
+    explicit LaneGain(StereoGain gain)
+    {
+        for (std::size_t i = 0; i < kLanes; i += 2) {
+            lane[i] = gain.left;
+            lane[i + 1] = gain.right;
+        }
+    }
+    float lane[kLanes];
+};
+
+} // namespace
+
+void AddScaled(float* __restrict sum, const std::int16_t* __restrict in, std::size_t frames, StereoGain gain)
+{
+    const LaneGain gains(gain);
+    const std::size_t samples = 2 * frames;
+    std::size_t i = 0;
+    for (; i + kLanes <= samples; i += kLanes) {
+        for (std::size_t k = 0; k < kLanes; ++k) {
+            sum[i + k] += static_cast<float>(in[i + k]) * gains.lane[k];
+        }
+    }
+    for (; i < samples; ++i) {
+        sum[i] += static_cast<float>(in[i]) * gains.lane[i % 2];
+    }
+}
+
+void SetScaled(float* __restrict sum, const std::int16_t* __restrict in, std::size_t frames, StereoGain gain)
+{
+    const LaneGain gains(gain);
+    const std::size_t samples = 2 * frames;
+    std::size_t i = 0;
+    for (; i + kLanes <= samples; i += kLanes) {
+        for (std::size_t k = 0; k < kLanes; ++k) {
+            sum[i + k] = static_cast<float>(in[i + k]) * gains.lane[k];
+        }
+    }
+    for (; i < samples; ++i) {
+        sum[i] = static_cast<float>(in[i]) * gains.lane[i % 2];
+    }
+}
+
+void AddRamped(float* __restrict sum, const std::int16_t* __restrict in, std::size_t frames, StereoGain origin,
+               StereoGain step, std::size_t first)
+{
+    for (std::size_t i = 0; i < frames; ++i) {
+        const auto k = static_cast<float>(static_cast<std::int32_t>(first + i + 1));
+        sum[2 * i] += static_cast<float>(in[2 * i]) * (origin.left + k * step.left);
+        sum[2 * i + 1] += static_cast<float>(in[2 * i + 1]) * (origin.right + k * step.right);
+    }
+}
+
+void RoundToInt16(std::int16_t* __restrict out, const float* __restrict in, std::size_t samples)
+{
+    // Adding 1.5 x 2^23 leaves no bits for a fraction, so the addition itself rounds to the nearest, halves to even,
+    // and the whole number stands in the low bits. The compiler vectorises this, and not lrintf with its 64-bit result.
+    constexpr float kShift = 12582912.0F;
+    constexpr auto kShiftBits = std::bit_cast<std::int32_t>(kShift);
+    for (std::size_t i = 0; i < samples; ++i) {
+        const float low = in[i] < -32768.0F ? -32768.0F : in[i];
+        const float limited = low > 32767.0F ? 32767.0F : low;
+        out[i] = static_cast<std::int16_t>(std::bit_cast<std::int32_t>(limited + kShift) - kShiftBits);
+    }
+}
+
+void MonoToStereo(std::int16_t* stereo, const std::int16_t* mono, std::size_t frames)
+{
+    for (std::size_t i = frames; i-- > 0;) {
+        stereo[2 * i + 1] = mono[i];
+        stereo[2 * i] = mono[i];
+    }
+}
+
+} // namespace velmora::soundlayer

@@ -1,0 +1,75 @@
+#include "soundlayer/internal/Stream.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora::soundlayer {
+
+Stream::Stream(std::uint32_t rate, std::uint32_t channels, std::uint32_t flags)
+    : Object(Kind::Stream)
+    , m_rate(rate)
+    , m_channels(channels)
+    , m_flags(flags)
+{
+}
+
+Block Stream::Pull(std::int16_t* out, std::size_t frames)
+{
+    Block block = Generate(out, frames);
+    const auto* chain = m_chain.Get<Chain>();
+    if (!chain || block.frames == 0) {
+        return block;
+    }
+    const std::size_t samples = block.frames * m_channels;
+    if (block.silent) {
+        std::fill_n(out, samples, std::int16_t{0});
+        // A DSP may well sound after its input has fallen silent.
+        block.silent = chain->dsps.empty();
+    }
+    for (const Dsp& dsp : chain->dsps) {
+        dsp.proc(dsp.handle, Handle(), out, static_cast<std::uint32_t>(samples * sizeof(std::int16_t)), dsp.user);
+    }
+    for (const auto& tap : chain->taps) {
+        tap->Take(out, block.frames);
+    }
+    return block;
+}
+
+HDSP Stream::AddDsp(GraphEdits& edits, DSPPROC* proc, SOUND_USER user, std::int32_t priority)
+{
+    const Dsp dsp{++s_lastDsp, proc, user, priority};
+    const auto place =
+        std::ranges::find_if(m_edited.dsps, [priority](const Dsp& other) { return other.priority < priority; });
+    m_edited.dsps.insert(place, dsp);
+    Publish(edits);
+    return dsp.handle;
+}
+
+bool Stream::RemoveDsp(GraphEdits& edits, HDSP dsp)
+{
+    if (std::erase_if(m_edited.dsps, [dsp](const Dsp& other) { return other.handle == dsp; }) == 0) {
+        return false;
+    }
+    Publish(edits);
+    return true;
+}
+
+void Stream::AddTap(GraphEdits& edits, std::shared_ptr<BlockTap> tap)
+{
+    m_edited.taps.push_back(std::move(tap));
+    Publish(edits);
+}
+
+void Stream::RemoveTap(GraphEdits& edits, const BlockTap* tap)
+{
+    std::erase_if(m_edited.taps, [tap](const auto& other) { return other.get() == tap; });
+    Publish(edits);
+}
+
+void Stream::Publish(GraphEdits& edits)
+{
+    const bool empty = m_edited.dsps.empty() && m_edited.taps.empty();
+    edits.Replace(shared_from_this(), m_chain, empty ? nullptr : std::make_shared<const Chain>(m_edited));
+}
+
+} // namespace velmora::soundlayer
