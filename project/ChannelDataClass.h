@@ -90,7 +90,7 @@ public:
 private:
     EventRow* Find(std::int32_t id) const;
     EventRow& NewRow(std::int32_t index);
-    void LoadRow(std::int32_t index, std::string_view text, LoadContext& load, std::vector<EventRow*>& withoutID);
+    bool LoadRow(std::int32_t index, std::string_view text, LoadContext& load, std::vector<EventRow*>& withoutID);
     void Link() const;
 
     core::Environment& m_environment;

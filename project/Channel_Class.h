@@ -14,10 +14,15 @@ class MsgHandlerClass;
 namespace velmora::effects {
 class FX_ChainContainer_Class;
 }
+namespace velmora::persistence {
+class UTIL_XMLRead;
+}
 
 namespace velmora::project {
 
 class ChannelDataClass;
+class ChannelEdits;
+class ChannelEffects;
 class ChannelStrip;
 class LoadContext;
 class ProjectFile_Class;
@@ -77,13 +82,17 @@ private:
     bool HandleStrip(std::int32_t msgID, const core::MsgParametersClass& params);
     void Refresh();
     void UpdateOutputVolume();
-    bool LoadEffects(std::string_view xml, bool assignNewIDs);
+    void LoadSettings(persistence::UTIL_XMLRead& reader);
+    std::unique_ptr<effects::FX_ChainContainer_Class> NewEffects() const;
 
     ProjectFile_Class& m_project;
-    std::shared_ptr<core::MsgHandlerClass> m_handler;
     std::unique_ptr<ChannelStrip> m_strip;
-    core::ClassID m_classID = 0;
+    core::ClassID m_classID;
+    std::shared_ptr<core::MsgHandlerClass> m_handler;
+    std::unique_ptr<ChannelEdits> m_edits;
+    std::unique_ptr<ChannelEffects> m_effects;
     std::int32_t m_mode = -1;
+    bool m_modeSet = false;
 };
 
 } // namespace velmora::project

@@ -23,8 +23,9 @@ namespace velmora::project {
 class CDC_Event_Wave_Class;
 class Channel_Class;
 class ChannelRegistry;
+class EventPlacement;
 class MarkList_Class;
-class ProjectFolder;
+class ProjectStorage;
 
 /// The root of the document: owns the bus, the channels, the marks, the master output, the metronome and the recorder,
 /// and hears every message first and last.
@@ -75,13 +76,13 @@ public:
     void DeleteUnusedFiles();
 
     /// The project file; empty until saved or loaded.
-    const std::string& ProjectPath() const { return m_projectPath; }
+    const std::string& ProjectPath() const;
     const std::string& GetAudioPath() const;
     /// The absolute path of an event's file; "" for a relative path that leads out of the audio folder.
     std::string FixAudioFilePath(std::string_view Path) const;
-    bool IsNewProject() const { return m_isNewProject; }
+    bool IsNewProject() const;
     /// Audio files that the loaded project names and that are not there, absolute, each once.
-    const std::vector<std::string>& MissingFiles() const { return m_missingFiles; }
+    const std::vector<std::string>& MissingFiles() const;
 
     std::string GetXMLData() const;
     /// Replaces counters, marks, metronome and channels; `LoadRecorder`: the recorder's numbers too; `LoadIDs`: the
@@ -120,6 +121,7 @@ public:
     core::ClassID util_GetFirstChannelID() const;
     bool util_SoloEnabled() const;
     void util_Send_SoloChangedMSG_toAllChannels();
+    void util_StopIfPlayingOrRecording();
 
     std::int32_t Player_LTimePos() const { return m_playerTimePos; }
     core::ClassID Selected_MusicChannel() const { return m_selectedMusic; }
@@ -133,27 +135,22 @@ public:
     void FX_CloseSetupForm(core::ClassID ChannelID);
 
 private:
-    void MsgHandler_MsgReceived(std::int32_t SenderID, std::int32_t MsgID, core::MsgParametersClass& Params);
-    void LastMsgHandler_MsgReceived(std::int32_t SenderID, std::int32_t MsgID, core::MsgParametersClass& Params);
-    void Send(std::int32_t msgID, core::MsgParametersClass& params);
+    void MsgHandler_MsgReceived(std::int32_t MsgID, core::MsgParametersClass& Params);
+    void LastMsgHandler_MsgReceived(std::int32_t MsgID, core::MsgParametersClass& Params);
+    void Send(std::int32_t msgID, core::MsgParametersClass& params) const;
+    void SendToAllChannels(std::int32_t msgID) const;
 
     core::Environment& m_environment;
     core::ClassID m_classID;
     std::shared_ptr<core::MsgHandlerClass> m_handler;
     std::shared_ptr<core::MsgHandlerClass> m_lastHandler;
     std::unique_ptr<ChannelRegistry> m_channels;
-    std::unique_ptr<ProjectFolder> m_folder;
-    std::string m_projectPath;
-    std::vector<std::string> m_missingFiles;
+    std::unique_ptr<ProjectStorage> m_storage;
+    std::unique_ptr<EventPlacement> m_placement;
     std::set<core::ClassID> m_setupForms;
     core::ClassID m_selectedMusic = core::kUnsetFloat;
     core::ClassID m_selectedVoice = core::kUnsetFloat;
     std::int32_t m_playerTimePos = 0;
-    OpenMode m_mode = OpenMode::Edit;
-    bool m_created = false;
-    bool m_isNewProject = false;
-    /// Nothing was missing, invalid or dropped.
-    bool m_wholeLoad = false;
 };
 
 } // namespace velmora::project

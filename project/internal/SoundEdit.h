@@ -1,0 +1,16 @@
+#pragma once
+
+#include "soundlayer/soundlayer.h"
+
+namespace velmora::project {
+
+/// While it lives, changes of the graph are gathered; its end hands them to the mixing thread together.
+class SoundEdit {
+public:
+    SoundEdit() { Sound_BeginEdit(); }
+    ~SoundEdit() { Sound_EndEdit(); }
+    SoundEdit(const SoundEdit&) = delete;
+    SoundEdit& operator=(const SoundEdit&) = delete;
+};
+
+} // namespace velmora::project
