@@ -60,6 +60,9 @@ ProjectFile_Class::~ProjectFile_Class()
             handler->Detach();
         }
     }
+    if (MsgSender) {
+        MsgSender->Close();
+    }
 }
 
 void ProjectFile_Class::InitializeClass()
