@@ -8,6 +8,12 @@
 
 namespace velmora::soundlayer {
 
+/// Rates that are taken; a header that tells another lies.
+constexpr bool IsRate(std::int64_t rate)
+{
+    return rate >= 1000 && rate <= 768'000;
+}
+
 enum class OpenResult { Ok, CannotRead, NoSound };
 
 /// An audio file as 16-bit interleaved samples, exact to the sample in length and position for every format that is
