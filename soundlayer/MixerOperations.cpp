@@ -73,6 +73,7 @@ int BASS_Mixer_ChannelRemove(HSTREAM channel)
             return Fail(SOUND_ERROR_PARAM, 0);
         }
         library.Unlink(*source);
+        library.edits.Flush();
         return 1;
     });
 }

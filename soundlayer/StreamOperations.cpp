@@ -135,6 +135,8 @@ int BASS_StreamFree(HSTREAM handle)
             return 0;
         }
         library.FreeStream(handle);
+        // Its callback, if it has one, is not called once this has returned.
+        library.edits.Flush();
         return 1;
     });
 }

@@ -7,9 +7,13 @@
 
 namespace velmora::soundlayer {
 
+class FormatConverter;
+
 struct AudioFormat {
     std::uint32_t rate = 44100;
     std::uint32_t channels = 2;
+
+    bool operator==(const AudioFormat&) const = default;
 };
 
 enum class EncoderError { None, CannotCreate, InvalidFormat };
@@ -26,15 +30,32 @@ public:
     /// A WMA file at the rate of `WmaRates` that is nearest to `bitrate` bit/s, the lower of two equally near.
     static std::unique_ptr<FileEncoder> OpenWma(const std::string& file, AudioFormat format, std::uint32_t bitrate,
                                                 EncoderError& error);
-    virtual ~FileEncoder() = default;
+    virtual ~FileEncoder();
+    FileEncoder(const FileEncoder&) = delete;
+    FileEncoder& operator=(const FileEncoder&) = delete;
 
     /// The format of what is written from now on; until then the file's own. Before the first write only.
-    virtual void SetInput(AudioFormat input) = 0;
+    void SetInput(AudioFormat input);
     /// 16-bit interleaved samples in the input's format. False once a write has failed.
-    virtual bool Write(std::span<const std::int16_t> interleaved) = 0;
+    bool Write(std::span<const std::int16_t> interleaved);
     /// Drains and closes the file. False when it does not hold all it was given. Later calls repeat the answer.
-    virtual bool Finish() = 0;
-    virtual bool Failed() const = 0;
+    bool Finish();
+
+protected:
+    explicit FileEncoder(AudioFormat format);
+
+    const AudioFormat& Format() const { return m_format; }
+    /// Takes samples in the file's format; false when they did not all get to the file.
+    virtual bool Encode(std::span<const std::int16_t> interleaved) = 0;
+    /// Ends the file; called once. False when it lacks anything.
+    virtual bool Close() = 0;
+
+private:
+    const AudioFormat m_format;
+    AudioFormat m_input;
+    std::unique_ptr<FormatConverter> m_converter;
+    bool m_failed = false;
+    bool m_finished = false;
 };
 
 /// Bit rates that WMA is offered at for a format, rising; empty for one that it does not take.

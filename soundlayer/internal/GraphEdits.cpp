@@ -14,7 +14,8 @@ GraphEdits::GraphEdits()
 
 GraphEdits::~GraphEdits()
 {
-    SetMixing(false);
+    ApplyPending();
+    FreeApplied();
 }
 
 void GraphEdits::End()
@@ -42,21 +43,29 @@ void GraphEdits::Retire(std::shared_ptr<const void> object)
     m_open->push_back({nullptr, nullptr, std::move(object)});
 }
 
-void GraphEdits::SetMixing(bool mixing)
-{
-    m_mixing = mixing;
-    if (!mixing) {
-        ApplyPending();
-        FreeApplied();
-    }
-}
-
 void GraphEdits::Flush()
 {
-    while (m_mixing && m_done.load(std::memory_order_acquire) != m_submitted) {
-        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    TryApply();
+    while (m_done.load(std::memory_order_acquire) != m_submitted) {
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
+        TryApply();
     }
     FreeApplied();
+}
+
+bool GraphEdits::BeginBlocks()
+{
+    Owner nobody = Owner::Nobody;
+    return m_owner.compare_exchange_strong(nobody, Owner::Mixer, std::memory_order_acq_rel);
+}
+
+void GraphEdits::TryApply()
+{
+    Owner nobody = Owner::Nobody;
+    if (m_owner.compare_exchange_strong(nobody, Owner::Editor, std::memory_order_acq_rel)) {
+        ApplyPending();
+        m_owner.store(Owner::Nobody, std::memory_order_release);
+    }
 }
 
 void GraphEdits::ApplyPending()
@@ -84,16 +93,15 @@ void GraphEdits::Submit()
 {
     std::unique_ptr<Batch> batch = std::move(m_open);
     FreeApplied();
-    if (!m_mixing) {
-        Apply(*batch);
-        return;
-    }
     while (!m_pending.try_enqueue(batch.get())) {
-        std::this_thread::sleep_for(std::chrono::microseconds(200));
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
+        TryApply();
         FreeApplied();
     }
     ++m_submitted;
     batch.release();
+    TryApply();
+    FreeApplied();
 }
 
 void GraphEdits::FreeApplied()

@@ -25,15 +25,17 @@ private:
     std::shared_ptr<const void> m_value;
 };
 
-/// Carries edits of the graph to the thread that pulls it, so that this thread waits for nobody.
+/// Carries edits of the graph to where it is pulled, so that the mixing thread waits for nobody.
 ///
 /// An edit replaces published values; the edits between `Begin` and the outermost `End` take effect together. While
-/// the mixing thread runs they wait in a queue, and that thread applies them between two blocks; otherwise they apply
-/// at once. Replaced values and retired objects come back through a second queue and are destroyed on the interface
-/// thread. All but `ApplyPending` is for the interface thread.
+/// the mixing thread mixes they wait in a queue, and that thread applies them between two blocks; while it rests they
+/// apply at once. Replaced values and retired objects come back through a second queue and are destroyed on the
+/// interface thread. `BeginBlocks`, `BetweenBlocks` and `EndBlocks` are for the mixing thread, all else for the
+/// interface thread.
 class GraphEdits {
 public:
     GraphEdits();
+    /// Applies and frees what is left; the mixing thread has gone.
     ~GraphEdits();
 
     void Begin() { ++m_depth; }
@@ -44,13 +46,16 @@ public:
     /// Keeps `object` until no block that was under way can still use it.
     void Retire(std::shared_ptr<const void> object);
 
-    /// Says who applies edits from now on. Call it with true before the mixing thread starts, and with false once it
-    /// has ended its last block: what still waits then applies at once.
-    void SetMixing(bool mixing);
-    /// Waits until every finished edit is in force. No use inside `Begin`.
+    /// Waits until every finished edit is in force, a few blocks at most. Within `Begin` it does nothing for what is
+    /// still open.
     void Flush();
-    /// Applies what waits. Mixing thread, between two blocks. [RT]
-    void ApplyPending();
+
+    /// The mixing thread is about to mix. False in the instant in which an edit is being applied: try again soon. [RT]
+    bool BeginBlocks();
+    /// Applies what waits. [RT]
+    void BetweenBlocks() { ApplyPending(); }
+    /// The mixing thread rests. [RT]
+    void EndBlocks() { m_owner.store(Owner::Nobody, std::memory_order_release); }
 
 private:
     struct Edit {
@@ -60,14 +65,18 @@ private:
     };
     using Batch = std::vector<Edit>;
 
+    enum class Owner { Nobody, Mixer, Editor };
+
     static void Apply(Batch& batch);
+    void ApplyPending();
+    void TryApply();
     void Submit();
     void FreeApplied();
 
     static constexpr std::size_t kQueueLength = 1024;
 
     std::int32_t m_depth = 0;
-    bool m_mixing = false;
+    std::atomic<Owner> m_owner{Owner::Nobody};
     std::unique_ptr<Batch> m_open;
     moodycamel::ReaderWriterQueue<Batch*> m_pending;
     moodycamel::ReaderWriterQueue<Batch*> m_applied;

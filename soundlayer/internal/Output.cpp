@@ -97,14 +97,12 @@ void Output::SetMixing(bool mixing)
     }
     m_primed = false;
     if (mixing) {
-        m_edits.SetMixing(true);
         m_mixing = true;
         m_wake.notify_all();
         return;
     }
     m_mixing = false;
     m_wake.wait(lock, [this] { return !m_blockUnderWay; });
-    m_edits.SetMixing(false);
 }
 
 void Output::Mix()
@@ -118,20 +116,25 @@ void Output::Mix()
         }
         m_blockUnderWay = true;
         lock.unlock();
-        FillRing();
+        const bool filled = m_edits.BeginBlocks();
+        if (filled) {
+            FillRing();
+            m_edits.EndBlocks();
+        }
         lock.lock();
         m_blockUnderWay = false;
         m_wake.notify_all();
-        m_wake.wait_for(lock, std::chrono::milliseconds(m_periodMS.load()), [this] { return !m_mixing || m_ending; });
+        const std::chrono::milliseconds pause(filled ? m_periodMS.load() : 1);
+        m_wake.wait_for(lock, pause, [this] { return !m_mixing || m_ending; });
     }
 }
 
 void Output::FillRing()
 {
-    m_edits.ApplyPending();
+    m_edits.BetweenBlocks();
     const std::size_t wanted = FramesOf(m_bufferMS.load(std::memory_order_relaxed));
     while (m_ring.Filled() < wanted) {
-        m_edits.ApplyPending();
+        m_edits.BetweenBlocks();
         const std::size_t frames = std::min(kBlockFrames, wanted - m_ring.Filled());
         if (const auto* heartbeat = m_heartbeat.Get<Heartbeat>()) {
             heartbeat->proc(static_cast<std::uint32_t>(frames), heartbeat->user);

@@ -1,0 +1,198 @@
+#include "soundlayer/internal/Output.h"
+
+#include "tests/soundlayer/TestStreams.h"
+
+#include <atomic>
+#include <memory>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace velmora::soundlayer {
+namespace {
+
+/// A device that the test drives block by block.
+class HandDriven final : public AudioDevice {
+public:
+    bool Start(std::uint32_t, Callback callback) override
+    {
+        m_callback = std::move(callback);
+        return true;
+    }
+    void Stop() override { m_callback = nullptr; }
+    std::uint32_t LatencyMS() const override { return 0; }
+    std::uint32_t MinBufferMS() const override { return 10; }
+
+    std::vector<std::int16_t> Ask(std::size_t frames)
+    {
+        std::vector<std::int16_t> block(2 * frames);
+        m_callback(block.data(), frames);
+        return block;
+    }
+
+private:
+    Callback m_callback;
+};
+
+/// Counts up in every frame, so that a frame lost or given twice is seen.
+class Counting final : public Stream {
+public:
+    Counting()
+        : Stream(44'100, 2, 0)
+    {
+    }
+
+protected:
+    Block Generate(std::int16_t* out, std::size_t frames) override
+    {
+        for (std::size_t i = 0; i < frames; ++i) {
+            ++m_count;
+            out[2 * i] = static_cast<std::int16_t>(m_count & 0x7FFF);
+            out[2 * i + 1] = static_cast<std::int16_t>(m_count >> 15);
+        }
+        return {frames, false, false};
+    }
+
+private:
+    std::int32_t m_count = 0;
+};
+
+TEST(Output, TheDeviceGetsEveryFrameOnceAndCountsWhatIsMissing)
+{
+    GraphEdits edits;
+    auto owned = std::make_unique<HandDriven>();
+    HandDriven& device = *owned;
+    Output output(std::move(owned), 44'100, edits);
+    output.SetBuffer(100, 5);
+    ASSERT_TRUE(output.Start());
+    EXPECT_EQ(device.Ask(1000), std::vector<std::int16_t>(2000, 0));
+    EXPECT_EQ(output.MissedFrames(), 0U) << "nothing plays, so nothing is missed";
+
+    std::atomic<std::uint64_t> beats{0};
+    output.SetHeartbeat(
+        [](std::uint32_t frames, SOUND_USER user) { *reinterpret_cast<std::atomic<std::uint64_t>*>(user) += frames; },
+        reinterpret_cast<SOUND_USER>(&beats));
+    output.Play(std::make_shared<Counting>());
+    std::int32_t last = 0;
+    std::uint64_t heard = 0;
+    while (heard < 100'000) {
+        const auto block = device.Ask(64);
+        for (std::size_t i = 0; i < block.size(); i += 2) {
+            const std::int32_t count = block[i] + (block[i + 1] << 15);
+            if (count != 0) {
+                ASSERT_EQ(count, last + 1);
+                last = count;
+                ++heard;
+            }
+        }
+    }
+    EXPECT_GE(beats, heard);
+    EXPECT_LE(beats, heard + 5 * 4410) << "the ring holds no more than its buffer";
+}
+
+TEST(Output, StoppingHandsTheStreamBack)
+{
+    ASSERT_TRUE(BASS_Init(0, 44'100, 0, nullptr, nullptr));
+    const HSTREAM device = BASS_Mixer_StreamCreate(44'100, 2, BASS_MIXER_NONSTOP);
+    TestMixer master;
+    BASS_Mixer_StreamAddChannel(device, master.handle, 0);
+    ASSERT_TRUE(BASS_ChannelPlay(device, 0));
+    EXPECT_TRUE(PullFrames(master.handle, 10).empty());
+    EXPECT_EQ(BASS_ErrorGetCode(), SOUND_ERROR_DECODE);
+
+    ASSERT_TRUE(BASS_ChannelStop(device));
+    ASSERT_TRUE(BASS_Mixer_ChannelRemove(master.handle));
+    TestStream source([](std::int64_t, std::uint32_t) { return std::int16_t{5}; });
+    BASS_Mixer_StreamAddChannel(master.handle, source.handle, 0);
+    EXPECT_EQ(PullFrames(master.handle, 10), std::vector<std::int16_t>(20, 5));
+    EXPECT_TRUE(BASS_Free());
+    EXPECT_FALSE(BASS_Free());
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_INIT);
+}
+
+TEST(Output, RefusesDevicesThatAreNotThere)
+{
+    EXPECT_FALSE(BASS_Init(7, 44'100, 0, nullptr, nullptr));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DEVICE);
+    ASSERT_TRUE(BASS_Init(-1, 44'100, 0, nullptr, nullptr));
+    EXPECT_EQ(BASS_GetDevice(), 0);
+    EXPECT_FALSE(BASS_Init(0, 44'100, 0, nullptr, nullptr));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_ALREADY);
+    EXPECT_TRUE(BASS_Free());
+}
+
+/// Edits of every kind while the mixing thread pulls, and pulls of a graph beside it, at random.
+TEST(OutputStress, EditsWhileItSounds)
+{
+    ASSERT_TRUE(BASS_Init(0, 44'100, 0, nullptr, nullptr));
+    BASS_SetConfig(BASS_CONFIG_BUFFER, 20);
+    BASS_SetConfig(BASS_CONFIG_UPDATEPERIOD, 5);
+    const HSTREAM device = BASS_Mixer_StreamCreate(44'100, 2, BASS_MIXER_NONSTOP);
+    BASS_ChannelPlay(device, 0);
+    const auto quiet = [](HDSP, std::uint32_t, void* buffer, std::uint32_t length, SOUND_USER) {
+        std::memset(buffer, 0, length);
+    };
+    const auto noise = [](std::int64_t frame, std::uint32_t) { return static_cast<std::int16_t>(frame); };
+    std::mt19937 random(7);
+    std::vector<std::unique_ptr<TestStream>> sources;
+    std::vector<HSTREAM> mixers;
+    for (int step = 0; step < 3000; ++step) {
+        const bool playing = random() % 16 != 0;
+        switch (random() % 8) {
+        case 0:
+            mixers.push_back(BASS_Mixer_StreamCreate(44'100, 2, BASS_STREAM_DECODE));
+            BASS_Mixer_StreamAddChannel(device, mixers.back(), 0);
+            break;
+        case 1:
+            sources.push_back(std::make_unique<TestStream>(noise, random() % 2 ? 44'100 : 32'000,
+                                                           1 + static_cast<std::uint32_t>(random() % 2)));
+            if (!mixers.empty()) {
+                BASS_Mixer_StreamAddChannel(mixers[random() % mixers.size()], sources.back()->handle, 0);
+            }
+            break;
+        case 2:
+            if (mixers.size() > 4) {
+                BASS_StreamFree(mixers.front());
+                mixers.erase(mixers.begin());
+            }
+            break;
+        case 3:
+            if (sources.size() > 8) {
+                sources.erase(sources.begin());
+            }
+            break;
+        case 4:
+            if (!mixers.empty()) {
+                BASS_ChannelSetDSP(mixers.back(), quiet, 0, static_cast<std::int32_t>(random() % 10));
+            }
+            break;
+        case 5:
+            if (!sources.empty()) {
+                BASS_ChannelSetAttribute(sources.back()->handle, 1 + static_cast<std::uint32_t>(random() % 3),
+                                         random() % 2 ? 0.0F : 0.5F);
+            }
+            break;
+        case 6:
+            Sound_BeginEdit();
+            BASS_Mixer_ChannelRemove(mixers.empty() ? 0 : mixers.back());
+            Sound_EndEdit();
+            break;
+        default: {
+            TestMixer beside;
+            TestStream source(noise);
+            BASS_Mixer_StreamAddChannel(beside.handle, source.handle, 0);
+            EXPECT_EQ(PullFrames(beside.handle, 100).size(), 200U);
+        }
+        }
+        if (!playing) {
+            BASS_ChannelStop(device);
+            BASS_ChannelPlay(device, 1);
+        }
+    }
+    EXPECT_TRUE(BASS_Free());
+}
+
+} // namespace
+} // namespace velmora::soundlayer
