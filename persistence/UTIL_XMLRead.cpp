@@ -95,6 +95,9 @@ struct UTIL_XMLRead::State {
 
     std::optional<std::string_view> Find(std::string_view name)
     {
+        if (!textSet) {
+            return std::nullopt;
+        }
         RemoveMasterTag();
         if (!index) {
             index.emplace(text);
