@@ -5,20 +5,46 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace velmora::core {
 namespace {
 
 constexpr std::int64_t kMaxTableBytes = std::int64_t{1} << 20;
 
-void ReplaceIgnoringCase(std::string& text, std::string_view lowerCaseName, std::string_view value)
+struct Placeholder {
+    std::string_view name;
+    ShellFolder folder;
+};
+constexpr std::array kShellPlaceholders{
+    Placeholder{"{mydocuments}", ShellFolder::MyDocuments},
+    Placeholder{"{applicationdata}", ShellFolder::ApplicationData},
+    Placeholder{"{commonapplicationdata}", ShellFolder::CommonApplicationData},
+    Placeholder{"{localapplicationdata}", ShellFolder::LocalApplicationData},
+};
+
+/// What stands for `name`, "{...}" in lower case; nothing when it is no placeholder.
+std::optional<std::string> PlaceholderValue(const ShellFolders& shell, std::string_view name)
 {
-    std::string lower = LowerCase(text);
-    for (std::size_t at = lower.find(lowerCaseName); at != std::string::npos;
-         at = lower.find(lowerCaseName, at + value.size())) {
-        text.replace(at, lowerCaseName.size(), value);
-        lower.replace(at, lowerCaseName.size(), value);
+    if (name == "{appexe}") {
+        return shell.AppExe();
     }
+    const auto found = std::ranges::find(kShellPlaceholders, name, &Placeholder::name);
+    return found == kShellPlaceholders.end() ? std::nullopt : std::optional(shell.Get(found->folder));
+}
+
+/// `value` with its placeholders replaced; what they stand for is not looked at again.
+std::string Expanded(const ShellFolders& shell, std::string_view value)
+{
+    std::string path;
+    while (!value.empty()) {
+        const std::size_t end = value.starts_with('{') ? value.find('}') : std::string_view::npos;
+        const std::optional<std::string> replaced =
+            end == std::string_view::npos ? std::nullopt : PlaceholderValue(shell, LowerCase(value.substr(0, end + 1)));
+        path += replaced ? *replaced : std::string(value.substr(0, 1));
+        value.remove_prefix(replaced ? end + 1 : 1);
+    }
+    return path;
 }
 
 } // namespace
@@ -53,21 +79,7 @@ std::string AppPaths_Class::GetPath(std::string_view Key) const
         m_messages.Show(std::string("Error retrieving path: ").append(Key));
         return {};
     }
-    struct Placeholder {
-        std::string_view name;
-        ShellFolder folder;
-    };
-    constexpr std::array kPlaceholders{
-        Placeholder{"{mydocuments}", ShellFolder::MyDocuments},
-        Placeholder{"{applicationdata}", ShellFolder::ApplicationData},
-        Placeholder{"{commonapplicationdata}", ShellFolder::CommonApplicationData},
-        Placeholder{"{localapplicationdata}", ShellFolder::LocalApplicationData},
-    };
-    std::string path = found->second;
-    ReplaceIgnoringCase(path, "{appexe}", m_shell.AppExe());
-    for (const Placeholder& placeholder : kPlaceholders) {
-        ReplaceIgnoringCase(path, placeholder.name, m_shell.Get(placeholder.folder));
-    }
+    const std::string path = Expanded(m_shell, found->second);
     return path.starts_with('/') ? InternalPath(path) : path;
 }
 
