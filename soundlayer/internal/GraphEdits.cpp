@@ -46,7 +46,7 @@ void GraphEdits::Retire(std::shared_ptr<const void> object)
 void GraphEdits::Flush()
 {
     TryApply();
-    while (m_done.load(std::memory_order_acquire) != m_submitted) {
+    while (m_done.load(std::memory_order_acquire) != m_submitted.load(std::memory_order_relaxed)) {
         std::this_thread::sleep_for(std::chrono::microseconds(100));
         TryApply();
     }
@@ -70,13 +70,15 @@ void GraphEdits::TryApply()
 
 void GraphEdits::ApplyPending()
 {
+    const std::uint64_t submitted = m_submitted.load(std::memory_order_acquire);
     Batch* batch = nullptr;
-    while (m_pending.try_dequeue(batch)) {
+    for (std::uint64_t done = m_done.load(std::memory_order_relaxed); done < submitted; ++done) {
+        m_pending.try_dequeue(batch);
         Apply(*batch);
         // There is room: both queues are of one length, and the interface thread empties this one before it fills the
         // other.
         m_applied.try_enqueue(batch);
-        m_done.fetch_add(1, std::memory_order_release);
+        m_done.store(done + 1, std::memory_order_release);
     }
 }
 
@@ -98,16 +100,18 @@ void GraphEdits::Submit()
         TryApply();
         FreeApplied();
     }
-    ++m_submitted;
     batch.release();
+    m_submitted.fetch_add(1, std::memory_order_release);
     TryApply();
     FreeApplied();
 }
 
 void GraphEdits::FreeApplied()
 {
+    const std::uint64_t done = m_done.load(std::memory_order_acquire);
     Batch* batch = nullptr;
-    while (m_applied.try_dequeue(batch)) {
+    for (; m_freed < done; ++m_freed) {
+        m_applied.try_dequeue(batch);
         delete batch;
     }
 }

@@ -80,8 +80,10 @@ private:
     std::unique_ptr<Batch> m_open;
     moodycamel::ReaderWriterQueue<Batch*> m_pending;
     moodycamel::ReaderWriterQueue<Batch*> m_applied;
-    std::uint64_t m_submitted = 0;
+    /// How many batches were queued, applied and freed. Each side takes from a queue only what the other has counted.
+    std::atomic<std::uint64_t> m_submitted{0};
     std::atomic<std::uint64_t> m_done{0};
+    std::uint64_t m_freed = 0;
 };
 
 /// Edits made in its lifetime take effect together.
