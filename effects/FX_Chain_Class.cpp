@@ -72,7 +72,7 @@ void FX_Chain_Class::ChangeFX_Priority(core::ClassID FxID, std::int32_t NewPrior
 {
     if (FxItem* item = Find(FxID)) {
         item->Priority = NewPriority;
-        RenumberPriorities();
+        RenumberPriorities(m_items);
     }
 }
 
@@ -100,8 +100,11 @@ std::string FX_Chain_Class::GetXMLData() const
     writer.Add_Element("Pan", m_pan);
     writer.Add_Element("Volume", m_volume);
     writer.Add_Element("TotalFx", static_cast<std::int32_t>(m_items.size()));
+    // As loading will number them, so that a text that was loaded is saved as it was.
+    std::vector<FxItem> items = m_items;
+    RenumberPriorities(items);
     for (std::int32_t i = 0; i <= FX_TotalN(); ++i) {
-        const FxItem& item = m_items[static_cast<std::size_t>(i)];
+        const FxItem& item = items[static_cast<std::size_t>(i)];
         persistence::UTIL_XMLWrite nested;
         nested.Add_Element("Enabled", item.Enable);
         nested.Add_Element("ID", item.FxID);
@@ -153,7 +156,7 @@ bool FX_Chain_Class::LoadXMLData(std::string_view XMLData, bool AssignNewIDs, bo
     }
     m_items = std::move(items);
     AdoptIds(id, AssignNewIDs);
-    RenumberPriorities();
+    RenumberPriorities(m_items);
     if (invalidData) {
         FX_Data_Class::ReportInvalidData(m_environment.ports.messages);
     }
@@ -194,10 +197,10 @@ FxItem* FX_Chain_Class::Find(core::ClassID FxID)
     return const_cast<FxItem*>(std::as_const(*this).Find(FxID));
 }
 
-void FX_Chain_Class::RenumberPriorities()
+void FX_Chain_Class::RenumberPriorities(std::vector<FxItem>& items)
 {
     std::vector<FxItem*> ordered;
-    for (FxItem& item : m_items) {
+    for (FxItem& item : items) {
         if (item.Priority < kPriorityBound) {
             ordered.push_back(&item);
         }

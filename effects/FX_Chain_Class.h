@@ -67,7 +67,7 @@ private:
     friend class FX_ChainContainer_Class;
     const FxItem* Find(core::ClassID FxID) const;
     FxItem* Find(core::ClassID FxID);
-    void RenumberPriorities();
+    static void RenumberPriorities(std::vector<FxItem>& items);
     /// Gives the chain and its effects the ids of their text, fresh ones where these cannot be used or stand twice.
     void AdoptIds(core::ClassID chainID, bool assignNewIDs);
 

@@ -5,6 +5,7 @@
 #include "project/LoadContext.h"
 #include "tests/support/TestEnvironment.h"
 
+#include <algorithm>
 #include <random>
 #include <set>
 #include <vector>

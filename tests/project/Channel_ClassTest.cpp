@@ -5,6 +5,7 @@
 #include "soundlayer/soundlayer.h"
 #include "tests/project/ProjectFixture.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <vector>
@@ -126,16 +127,16 @@ TEST_F(Channel, RefreshAndUndoBringFieldsToTheSound)
     EXPECT_EQ(Heard(channel), 33);
     EXPECT_EQ(PanOf(channel), -20);
 
-    channel.Volume = 44;
+    channel.Pan = 44;
     core::MsgParametersClass restored;
     restored.ChannelID = Voice(1).ClassID();
     restored.UndoDataType = 1;
     Send(core::Msg_UndoRestored, restored);
-    EXPECT_EQ(Heard(channel), 33);
+    EXPECT_EQ(PanOf(channel), -20);
     restored.ChannelID = -1;
     restored.UndoDataType = 4;
     Send(core::Msg_UndoRestored, restored);
-    EXPECT_EQ(Heard(channel), 44);
+    EXPECT_EQ(PanOf(channel), 44);
 }
 
 TEST_F(Channel, ReadingHasDefaultsOfItsOwnAndLimits)
@@ -158,14 +159,14 @@ TEST_F(Channel, ReadingHasDefaultsOfItsOwnAndLimits)
     EXPECT_EQ(Heard(channel), 100);
     EXPECT_EQ(PanOf(channel), -100);
 
-    for (const char* fields :
-         {"<ChannelMode>int: 1</ChannelMode>", "<ID>float: -1</ID><ChannelMode>int: 1</ChannelMode>",
-          "<ID>float: 9</ID>", "<ID>float: 9</ID><ChannelMode>int: 2</ChannelMode>"}) {
+    for (const char* fields : {"<ID>float: -1</ID><ChannelMode>int: 1</ChannelMode>", "<ID>float: 9</ID>",
+                               "<ID>float: 9</ID><ChannelMode>int: 2</ChannelMode>"}) {
         EXPECT_FALSE(channel.LoadXMLData(TextOf(fields), false, true, load)) << fields;
     }
-    EXPECT_FALSE(channel.LoadXMLData("<Channel_Class><ID>float: 9</ID><ChannelMode>int: 1</ChannelMode>"
-                                     "</Channel_Class>",
-                                     false, true, load));
+    for (const char* text : {"<Channel_Class><ID>float: 9</ID><ChannelMode>int: 1</ChannelMode></Channel_Class>",
+                             "<Channel_Class><ChannelMode>int: 1</ChannelMode></Channel_Class>"}) {
+        EXPECT_FALSE(channel.LoadXMLData(text, false, true, load)) << text;
+    }
 }
 
 TEST_F(Channel, PacksAreWrittenAndTakenWholeOrNotAtAll)

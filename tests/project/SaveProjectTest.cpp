@@ -55,7 +55,7 @@ TEST_F(SaveProject, WhatWasLoadedFromOurOwnFileIsSavedAsTheSameBytes)
     }
     EXPECT_EQ(ids.size(), 4u);
     ASSERT_TRUE(m_project->SaveProject(path));
-    EXPECT_EQ(Read(path), first);
+    EXPECT_TRUE(Read(path) == first) << Read(path);
     Send(core::Msg_AddVoiceChannel);
     EXPECT_FALSE(ids.contains(Voice(3).ClassID()));
 
@@ -81,17 +81,19 @@ TEST_F(SaveProject, ANewNameTakesACopyOfTheFolderAndGoesOnThere)
     EXPECT_EQ(Folder(Audio("Song")).size(), 2u);
 
     m_environment.ports.views.LoadWaveCache("pictures");
+    m_environment.disk.MakeFolderIfMissing(m_environment.Path("dir.v1"));
     m_project->Modified = true;
-    ASSERT_TRUE(m_project->SaveProject(File("dir.v1\\..\\Second")));
+    ASSERT_TRUE(m_project->SaveProject(m_environment.Path("dir.v1\\Second")));
     EXPECT_FALSE(m_project->Modified);
     EXPECT_FALSE(m_project->IsNewProject());
+    EXPECT_EQ(m_project->GetAudioPath(), m_environment.Path("dir.v1\\Second - Audio files"));
     EXPECT_EQ(Read(m_project->GetAudioPath() + "\\wavecache.dat"), "pictures");
     EXPECT_TRUE(m_environment.disk.FileCanBeOpened(Audio("Song") + "\\accheck.dat"));
     EXPECT_FALSE(m_environment.disk.FileCanBeOpened(m_project->GetAudioPath() + "\\accheck.dat"));
     EXPECT_EQ(Read(first), Read(m_project->ProjectPath()));
 
     // The same file under another spelling is no new name.
-    ASSERT_TRUE(m_project->SaveProject(m_environment.Path(".\\Second.audioproj")));
+    ASSERT_TRUE(m_project->SaveProject(m_environment.Path(".\\dir.v1\\Second")));
     EXPECT_TRUE(Messages().asked.empty());
 }
 
