@@ -14,7 +14,8 @@ namespace velmora::persistence {
 /// balances it among the tags with the key's first word. A self-closed or empty tag, or a "<" without ">", ends every
 /// search: what is not complete before it is not found.
 ///
-/// Memory: 8 bytes per tag, and for each first word that was asked for, 16 bytes per opening tag with attributes.
+/// Memory: 8 bytes per tag, and 12 bytes per opening tag with attributes whose first word was asked for
+/// (twice that while they are gathered).
 /// Time: the first question walks the text, the first one for each first word walks the list of tags, the others are
 /// binary searches. The text must outlive the index and be shorter than 4 GiB.
 class TagIndex {
