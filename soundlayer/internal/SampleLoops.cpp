@@ -1,6 +1,6 @@
 #include "soundlayer/internal/SampleLoops.h"
 
-#include <bit>
+#include "soundlayer/SampleRounding.h"
 
 namespace velmora::soundlayer {
 
@@ -64,14 +64,8 @@ void AddRamped(float* __restrict sum, const std::int16_t* __restrict in, std::si
 
 void RoundToInt16(std::int16_t* __restrict out, const float* __restrict in, std::size_t samples)
 {
-    // Adding 1.5 x 2^23 leaves no bits for a fraction, so the addition itself rounds to the nearest, halves to even,
-    // and the whole number stands in the low bits. The compiler vectorises this, and not lrintf with its 64-bit result.
-    constexpr float kShift = 12582912.0F;
-    constexpr auto kShiftBits = std::bit_cast<std::int32_t>(kShift);
     for (std::size_t i = 0; i < samples; ++i) {
-        const float low = in[i] < -32768.0F ? -32768.0F : in[i];
-        const float limited = low > 32767.0F ? 32767.0F : low;
-        out[i] = static_cast<std::int16_t>(std::bit_cast<std::int32_t>(limited + kShift) - kShiftBits);
+        out[i] = RoundSample(in[i]);
     }
 }
 

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+namespace velmora::engine {
+
+/// The position of playback, counted in frames of the device. It moves only by the frames that were mixed.
+///
+/// Threads: the mixing thread advances it, the interface thread sets and reads it.
+class PlaybackClock {
+public:
+    void Play() { m_playing.store(true, std::memory_order_release); }
+    void Pause() { m_playing.store(false, std::memory_order_release); }
+    bool Playing() const { return m_playing.load(std::memory_order_acquire); }
+
+    /// Counts `frames` if the clock runs. [RT]
+    void Advance(std::uint32_t frames);
+    std::int64_t Frames() const { return m_frames.load(std::memory_order_acquire); }
+
+    /// The last millisecond whose frame is not behind the position, so that a time that was set reads back as it was.
+    std::int32_t PositionMS(std::int32_t rate) const;
+    void SetPositionMS(std::int32_t positionMS, std::int32_t rate);
+
+private:
+    std::atomic<std::int64_t> m_frames{0};
+    std::atomic<bool> m_playing{false};
+};
+
+} // namespace velmora::engine
