@@ -1,0 +1,43 @@
+#!/bin/bash
+# Installs the Debian packages that a script needs, if any is missing: install-packages.sh build|test|bench
+set -euo pipefail
+
+build=(g++ cmake ninja-build ccache pkg-config libavformat-dev libavcodec-dev libavutil-dev libsoxr-dev libsndfile1-dev
+    libreaderwriterqueue-dev libgtest-dev libgmock-dev libbenchmark-dev)
+test=("${build[@]}" sox ffmpeg python3 python3-numpy clang-format clang-tidy)
+bench=("${test[@]}" ecasound)
+
+case "${1:-}" in
+build) wanted=("${build[@]}") ;;
+test) wanted=("${test[@]}") ;;
+bench) wanted=("${bench[@]}") ;;
+*)
+    echo "usage: $0 build|test|bench" >&2
+    exit 2
+    ;;
+esac
+
+if ! command -v dpkg-query >/dev/null; then
+    echo "This is no Debian system. Please install what these packages hold: ${wanted[*]}" >&2
+    exit 0
+fi
+
+missing=()
+for package in "${wanted[@]}"; do
+    state=$(dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | head -n 1) || true
+    [[ $state == installed ]] || missing+=("$package")
+done
+((${#missing[@]})) || exit 0
+
+asRoot=()
+if ((EUID != 0)); then
+    if ! command -v sudo >/dev/null; then
+        echo "Packages are missing. Please install them as root:" >&2
+        echo "    apt-get install --no-install-recommends ${missing[*]}" >&2
+        exit 1
+    fi
+    asRoot=(sudo)
+fi
+echo "Installing ${missing[*]}"
+"${asRoot[@]}" apt-get update -q
+"${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
