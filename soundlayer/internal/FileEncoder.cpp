@@ -55,14 +55,16 @@ void FileEncoder::SetInput(AudioFormat input)
     m_converter.reset();
     if (input != m_format) {
         m_converter = std::make_unique<FormatConverter>(input, m_format);
+        m_failed = m_failed || !m_converter->IsValid();
     }
 }
 
 bool FileEncoder::Write(std::span<const std::int16_t> interleaved)
 {
-    if (!m_failed && !m_finished) {
-        m_failed = !Encode(m_converter ? m_converter->Convert(interleaved) : interleaved);
+    if (m_failed || m_finished) {
+        return false;
     }
+    m_failed = !Encode(m_converter ? m_converter->Convert(interleaved) : interleaved);
     return !m_failed;
 }
 
@@ -81,10 +83,9 @@ bool FileEncoder::Finish()
 
 std::span<const std::uint32_t> WmaRates(AudioFormat format)
 {
-    constexpr std::array<std::uint32_t, 6> kRates{8'000, 11'025, 16'000, 22'050, 32'000, 44'100};
+    constexpr std::uint32_t kLowest = 8'000;
     constexpr std::uint32_t kHighest = 48'000;
-    if ((std::ranges::find(kRates, format.rate) == kRates.end() && format.rate != kHighest) || format.channels < 1 ||
-        format.channels > 2) {
+    if (format.rate < kLowest || format.rate > kHighest || format.channels < 1 || format.channels > 2) {
         return {};
     }
     const std::uint32_t highest = HighestUsefulWmaRate(format);

@@ -34,7 +34,8 @@ public:
     FileEncoder(const FileEncoder&) = delete;
     FileEncoder& operator=(const FileEncoder&) = delete;
 
-    /// The format of what is written from now on; until then the file's own. Before the first write only.
+    /// The format of what is written from now on; until then the file's own. Before the first write only. One that
+    /// cannot be converted counts as a write that failed.
     void SetInput(AudioFormat input);
     /// 16-bit interleaved samples in the input's format. False once a write has failed.
     bool Write(std::span<const std::int16_t> interleaved);

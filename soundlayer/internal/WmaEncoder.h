@@ -4,18 +4,21 @@
 
 #include <cstdint>
 #include <memory>
-#include <vector>
+#include <span>
+#include <string>
 
 namespace velmora::soundlayer {
 
-/// A Windows media audio file. It comes back sample for sample in place: the tag `SourceSamples` tells a reader how
-/// many frames were written, and one block of silence before and behind them takes what the codec loses at its ends.
+/// A WMA file that lines up with what it was made of: a frame of silence stands before the sound, as the codec gives
+/// its first frame only half, another one behind it keeps the tail whole, and the tag `SourceSamples` (twelve digits)
+/// holds the true count of frames.
+///
+/// The same input gives the same bytes on every run.
 class WmaEncoder final : public FileEncoder {
 public:
+    /// `bitrate` in bit/s. Null with `CannotCreate` for the file or `InvalidFormat` for what the codec refuses.
     static std::unique_ptr<FileEncoder> Open(const std::string& file, AudioFormat format, std::uint32_t bitrate,
                                              EncoderError& error);
-    struct Streams;
-    WmaEncoder(std::unique_ptr<Streams> streams, AudioFormat format);
     ~WmaEncoder() override;
 
 protected:
@@ -23,16 +26,10 @@ protected:
     bool Close() override;
 
 private:
-    bool SendSilence();
-    /// Sends the first `frames` frames of what waits.
-    bool SendBlock(std::size_t frames);
-    /// Moves finished packets to the file.
-    bool TakePackets();
+    struct Streams;
+    WmaEncoder(std::unique_ptr<Streams> streams, AudioFormat format);
 
-    std::unique_ptr<Streams> m_streams;
-    std::vector<std::int16_t> m_waiting;
-    std::int64_t m_sent = 0;
-    std::int64_t m_sourceFrames = 0;
+    std::unique_ptr<Streams> m_streams; // null once closed
 };
 
 } // namespace velmora::soundlayer
