@@ -69,7 +69,7 @@ int BASS_Free(void)
 
 int32_t BASS_GetDevice(void)
 {
-    return Library::Get().output ? kNoSound : Fail(BASS_ERROR_INIT, -1);
+    return Operation(-1, [] { return Library::Get().output ? kNoSound : Fail(BASS_ERROR_INIT, -1); });
 }
 
 int BASS_GetInfo(BASS_INFO* info)
@@ -130,7 +130,10 @@ uint32_t BASS_GetConfig(uint32_t option)
 
 void Sound_SetThreads(uint32_t threads)
 {
-    Library::Get().readAhead.SetThreads(threads);
+    Operation(0, [&] {
+        Library::Get().readAhead.SetThreads(threads);
+        return 0;
+    });
 }
 
 int Sound_SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user)

@@ -80,10 +80,16 @@ int BASS_Mixer_ChannelRemove(HSTREAM channel)
 
 void Sound_BeginEdit(void)
 {
-    Library::Get().edits.Begin();
+    Operation(0, [] {
+        Library::Get().edits.Begin();
+        return 0;
+    });
 }
 
 void Sound_EndEdit(void)
 {
-    Library::Get().edits.End();
+    Operation(0, [] {
+        Library::Get().edits.End();
+        return 0;
+    });
 }

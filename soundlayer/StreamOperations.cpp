@@ -34,36 +34,35 @@ std::unique_ptr<AudioFile> OpenFile(const std::string& file)
     return opened;
 }
 
-HSTREAM RegisterFile(const std::string& file, std::uint32_t flags, std::unique_ptr<FrameSource> source,
-                     FileStream::Reopen reopen)
+/// Opens a file with `open` and makes it a stream. Opening may take long, so it happens before the library is held.
+HSTREAM OpenFileStream(const std::string& file, std::uint32_t flags, const FileStream::Reopen& open)
 {
-    Library& library = Library::Get();
-    auto stream = std::make_shared<FileStream>(file, flags & ~BASS_UNICODE, std::move(source), std::move(reopen),
-                                               library.readAhead);
-    stream->Open(library.edits);
-    return library.Register(std::move(stream));
+    auto source = WithoutHold(std::unique_ptr<FrameSource>(), open);
+    if (!source) {
+        return 0;
+    }
+    return Operation(HSTREAM{0}, [&] {
+        Library& library = Library::Get();
+        auto stream =
+            std::make_shared<FileStream>(file, flags & ~BASS_UNICODE, std::move(source), open, library.readAhead);
+        stream->Open(library.edits);
+        return library.Register(std::move(stream));
+    });
 }
 
 HSTREAM CreateFileStream(int mem, const void* name, std::uint64_t offset, std::uint64_t length, std::uint32_t flags,
                          Reader reader)
 {
-    return Operation(HSTREAM{0}, [&] {
-        if (mem != 0 || !name || offset != 0 || length != 0) {
-            return Fail(SOUND_ERROR_PARAM, HSTREAM{0});
-        }
-        const std::string file(static_cast<const char*>(name));
+    if (mem != 0 || !name || offset != 0 || length != 0) {
+        return Fail(SOUND_ERROR_PARAM, HSTREAM{0});
+    }
+    const std::string file(static_cast<const char*>(name));
+    return OpenFileStream(file, flags, [file, reader]() -> std::unique_ptr<FrameSource> {
         auto opened = OpenFile(file);
-        if (!opened) {
-            return HSTREAM{0};
+        if (opened && opened->IsWma() != (reader == Reader::WmaOnly)) {
+            return Fail(SOUND_ERROR_FILEFORM, nullptr);
         }
-        if (opened->IsWma() != (reader == Reader::WmaOnly)) {
-            return Fail(SOUND_ERROR_FILEFORM, HSTREAM{0});
-        }
-        return RegisterFile(file, flags, std::make_unique<PlainSource>(std::move(opened)),
-                            [file]() -> std::unique_ptr<FrameSource> {
-                                auto again = OpenFile(file);
-                                return again ? std::make_unique<PlainSource>(std::move(again)) : nullptr;
-                            });
+        return opened ? std::make_unique<PlainSource>(std::move(opened)) : nullptr;
     });
 }
 
@@ -100,21 +99,38 @@ HSTREAM BASS_WMA_StreamCreateFile(int mem, const void* file, uint64_t offset, ui
 
 HSTREAM Sound_ClipCreate(const char* name, uint32_t freq)
 {
-    return Operation(HSTREAM{0}, [&] {
-        if (!name || freq == 0) {
-            return Fail(SOUND_ERROR_PARAM, HSTREAM{0});
-        }
-        const std::string file(name);
+    if (!name || freq == 0) {
+        return Fail(SOUND_ERROR_PARAM, HSTREAM{0});
+    }
+    const std::string file(name);
+    return OpenFileStream(file, BASS_STREAM_DECODE, [file, freq]() -> std::unique_ptr<FrameSource> {
         auto opened = OpenFile(file);
-        if (!opened) {
-            return HSTREAM{0};
-        }
-        return RegisterFile(file, BASS_STREAM_DECODE, std::make_unique<ClipSource>(std::move(opened), freq),
-                            [file, freq]() -> std::unique_ptr<FrameSource> {
-                                auto again = OpenFile(file);
-                                return again ? std::make_unique<ClipSource>(std::move(again), freq) : nullptr;
-                            });
+        return opened ? std::make_unique<ClipSource>(std::move(opened), freq) : nullptr;
     });
+}
+
+int Sound_ClipPrepare(HSTREAM clip, uint32_t frames)
+{
+    std::shared_ptr<Stream> stream =
+        Operation(std::shared_ptr<Stream>(), [&] { return Library::Get().ShareStream(clip); });
+    auto* file = dynamic_cast<FileStream*>(stream.get());
+    if (!file) {
+        return Fail(SOUND_ERROR_HANDLE, 0);
+    }
+    return WithoutHold(0, [&] {
+        file->Prepare(frames);
+        return 1;
+    });
+}
+
+int Sound_SetRunning(HSTREAM source, int running)
+{
+    Stream* stream = Library::Get().FindStream(source);
+    if (!stream) {
+        return 0;
+    }
+    stream->stopped.store(running == 0, std::memory_order_relaxed);
+    return 1;
 }
 
 HSTREAM BASS_StreamCreate(uint32_t freq, uint32_t chans, uint32_t flags, STREAMPROC* proc, SOUND_USER user)
@@ -204,45 +220,53 @@ uint32_t BASS_ChannelGetData(uint32_t handle, void* buffer, uint32_t length)
 
 int BASS_ChannelGetInfo(uint32_t handle, BASS_CHANNELINFO* info)
 {
-    const Stream* stream = Library::Get().FindStream(handle);
-    if (!stream) {
-        return 0;
-    }
-    *info = {stream->Rate(), stream->Channels(), stream->Flags(), stream->FileName()};
-    return 1;
+    return Operation(0, [&] {
+        const Stream* stream = Library::Get().FindStream(handle);
+        if (!stream) {
+            return 0;
+        }
+        *info = {stream->Rate(), stream->Channels(), stream->Flags(), stream->FileName()};
+        return 1;
+    });
 }
 
 uint64_t BASS_ChannelGetLength(uint32_t handle, uint32_t mode)
 {
-    const Stream* stream = Library::Get().FindStream(handle);
-    if (!stream) {
-        return UINT64_MAX;
-    }
-    if (mode != BASS_POS_BYTE || stream->LengthFrames() < 0) {
-        return Fail(SOUND_ERROR_PARAM, UINT64_MAX);
-    }
-    return static_cast<std::uint64_t>(stream->LengthFrames()) * FrameBytes(*stream);
+    return Operation(UINT64_MAX, [&] {
+        const Stream* stream = Library::Get().FindStream(handle);
+        if (!stream) {
+            return UINT64_MAX;
+        }
+        if (mode != BASS_POS_BYTE || stream->LengthFrames() < 0) {
+            return Fail(SOUND_ERROR_PARAM, UINT64_MAX);
+        }
+        return static_cast<std::uint64_t>(stream->LengthFrames()) * FrameBytes(*stream);
+    });
 }
 
 double BASS_ChannelBytes2Seconds(uint32_t handle, uint64_t position)
 {
-    const Stream* stream = Library::Get().FindStream(handle);
-    if (!stream) {
-        return -1;
-    }
-    return static_cast<double>(position / FrameBytes(*stream)) / stream->Rate();
+    return Operation(-1.0, [&] {
+        const Stream* stream = Library::Get().FindStream(handle);
+        if (!stream) {
+            return -1.0;
+        }
+        return static_cast<double>(position / FrameBytes(*stream)) / stream->Rate();
+    });
 }
 
 uint64_t BASS_ChannelSeconds2Bytes(uint32_t handle, double position)
 {
-    const Stream* stream = Library::Get().FindStream(handle);
-    if (!stream) {
-        return UINT64_MAX;
-    }
-    // 2^52 frames are beyond any file, and what a double still counts one by one.
-    const double frames = std::clamp(std::floor(position * stream->Rate()), 0.0, 4503599627370496.0);
-    return std::isnan(position) ? Fail(SOUND_ERROR_PARAM, UINT64_MAX)
-                                : static_cast<std::uint64_t>(frames) * FrameBytes(*stream);
+    return Operation(UINT64_MAX, [&] {
+        const Stream* stream = Library::Get().FindStream(handle);
+        if (!stream) {
+            return UINT64_MAX;
+        }
+        // 2^52 frames are beyond any file, and what a double still counts one by one.
+        const double frames = std::clamp(std::floor(position * stream->Rate()), 0.0, 4503599627370496.0);
+        return std::isnan(position) ? Fail(SOUND_ERROR_PARAM, UINT64_MAX)
+                                    : static_cast<std::uint64_t>(frames) * FrameBytes(*stream);
+    });
 }
 
 int BASS_ChannelSetPosition(uint32_t handle, uint64_t position, uint32_t mode)
@@ -303,23 +327,25 @@ int BASS_ChannelSetAttribute(uint32_t handle, uint32_t attribute, float value)
 
 int BASS_ChannelGetAttribute(uint32_t handle, uint32_t attribute, float* value)
 {
-    const Stream* stream = Library::Get().FindStream(handle);
-    if (!stream) {
-        return 0;
-    }
-    switch (attribute) {
-    case BASS_ATTRIB_FREQ:
-        *value = stream->frequency > 0 ? stream->frequency.load() : static_cast<float>(stream->Rate());
-        return 1;
-    case BASS_ATTRIB_VOL:
-        *value = stream->volume;
-        return 1;
-    case BASS_ATTRIB_PAN:
-        *value = stream->pan;
-        return 1;
-    default:
-        return Fail(SOUND_ERROR_PARAM, 0);
-    }
+    return Operation(0, [&] {
+        const Stream* stream = Library::Get().FindStream(handle);
+        if (!stream) {
+            return 0;
+        }
+        switch (attribute) {
+        case BASS_ATTRIB_FREQ:
+            *value = stream->frequency > 0 ? stream->frequency.load() : static_cast<float>(stream->Rate());
+            return 1;
+        case BASS_ATTRIB_VOL:
+            *value = stream->volume;
+            return 1;
+        case BASS_ATTRIB_PAN:
+            *value = stream->pan;
+            return 1;
+        default:
+            return Fail(SOUND_ERROR_PARAM, 0);
+        }
+    });
 }
 
 HDSP BASS_ChannelSetDSP(uint32_t handle, DSPPROC* proc, SOUND_USER user, int32_t priority)

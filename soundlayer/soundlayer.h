@@ -4,9 +4,9 @@
 /// stale or foreign handle fails with SOUND_ERROR_HANDLE. A failed operation gives 0 (-1 where a count is given) and
 /// leaves its code for `BASS_ErrorGetCode`, which is kept per thread. Texts are UTF-8, file names in the system's form.
 ///
-/// Threads: operations come from one thread at a time, the interface thread. Edits of a graph that the device is
-/// playing take effect between two blocks; the mixing thread waits for nobody. Decoding streams may be pulled with
-/// `BASS_ChannelGetData` while nothing that plays reaches them.
+/// Threads: operations may come from any thread and run one at a time; those marked [RT] wait for nobody. Edits of a
+/// graph that the device is playing take effect between two blocks; the mixing thread waits for nobody. Decoding
+/// streams may be pulled with `BASS_ChannelGetData` while nothing that plays reaches them.
 #ifndef VELMORA_SOUNDLAYER_H
 #define VELMORA_SOUNDLAYER_H
 
@@ -28,8 +28,9 @@ typedef uintptr_t SOUND_USER;
 typedef void DSPPROC(HDSP dsp, uint32_t channel, void* buffer, uint32_t length, SOUND_USER user);
 /// Fills at most `length` bytes and returns how many; 0 is no data now, not the end. [RT]
 typedef uint32_t STREAMPROC(HSTREAM stream, void* buffer, uint32_t length, SOUND_USER user);
-/// Called before each block of the device with its number of frames. [RT]
-typedef void SOUND_HEARTBEATPROC(uint32_t frames, SOUND_USER user);
+/// Called before each block of the device; `frames` are wanted. Says how many to mix now, at least 1 and at most
+/// `frames`, so that a block ends where something is to happen. [RT]
+typedef uint32_t SOUND_HEARTBEATPROC(uint32_t frames, SOUND_USER user);
 
 #define BASS_OK 0
 #define BASS_ERROR_MEM 1
@@ -124,7 +125,7 @@ SOUND_API int BASS_StreamFree(HSTREAM handle);
 
 SOUND_API int BASS_ChannelPlay(uint32_t handle, int restart);
 SOUND_API int BASS_ChannelStop(uint32_t handle);
-/// Pulls up to `length` bytes; the count pulled, or -1.
+/// Pulls up to `length` bytes; the count pulled, or -1. [RT] within a callback.
 SOUND_API uint32_t BASS_ChannelGetData(uint32_t handle, void* buffer, uint32_t length);
 SOUND_API int BASS_ChannelGetInfo(uint32_t handle, BASS_CHANNELINFO* info);
 /// Exact to the sample, for every format; -1 for a stream without an end.
@@ -133,6 +134,7 @@ SOUND_API double BASS_ChannelBytes2Seconds(uint32_t handle, uint64_t position);
 /// The byte of floor(`position` x rate) frames.
 SOUND_API uint64_t BASS_ChannelSeconds2Bytes(uint32_t handle, double position);
 SOUND_API int BASS_ChannelSetPosition(uint32_t handle, uint64_t position, uint32_t mode);
+/// Volume and pan are [RT].
 SOUND_API int BASS_ChannelSetAttribute(uint32_t handle, uint32_t attribute, float value);
 SOUND_API int BASS_ChannelGetAttribute(uint32_t handle, uint32_t attribute, float* value);
 /// Of higher `priority` runs earlier; equal ones in the order they were set.
@@ -170,6 +172,10 @@ SOUND_API const uint32_t* BASS_WMA_EncodeGetRates(uint32_t freq, uint32_t chans,
 /// A whole file as a decoding stereo stream at `freq`: frame n of it is frame n of the file resampled from its start,
 /// wherever reading begins. Workers decode ahead of the reader; an offline pull waits for them, the device never does.
 SOUND_API HSTREAM Sound_ClipCreate(const char* file, uint32_t freq);
+/// Decodes up to `frames` frames of a file stream ahead, on the calling thread; before it is heard.
+SOUND_API int Sound_ClipPrepare(HSTREAM clip, uint32_t frames);
+/// Lets a mixer's source go on or holds it: a held source is neither heard nor advanced. [RT]
+SOUND_API int Sound_SetRunning(HSTREAM source, int running);
 /// The format of what `BASS_WMA_EncodeWrite` is given; until this is called, the file's own. Before the first write.
 SOUND_API int Sound_WMA_EncodeSetInput(HWMENCODE encoder, uint32_t freq, uint32_t chans);
 /// How many threads share an offline pull and decode ahead, at least 1; 0 is one per core, the default.

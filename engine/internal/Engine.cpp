@@ -7,9 +7,10 @@ namespace velmora::engine {
 namespace {
 
 /// [RT]
-void OnHeartbeat(std::uint32_t frames, SOUND_USER user)
+std::uint32_t OnHeartbeat(std::uint32_t frames, SOUND_USER user)
 {
     reinterpret_cast<Engine*>(user)->clock.Advance(frames);
+    return frames;
 }
 
 } // namespace

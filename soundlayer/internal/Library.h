@@ -9,10 +9,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 
 namespace velmora::soundlayer {
 
-/// All that the C operations share. Interface thread, but for `Find...` and the error code.
+/// All that the C operations share. Whoever is not the mixing thread holds `mutex` while it works with it; `Find...`
+/// and the error code need no hold.
 class Library {
 public:
     static Library& Get();
@@ -22,6 +24,7 @@ public:
     static void SetError(std::int32_t code);
     static std::int32_t Error();
 
+    std::recursive_mutex mutex;
     HandleTable handles;
     GraphEdits edits;
     ReadAhead readAhead;

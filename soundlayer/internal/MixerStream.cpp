@@ -99,6 +99,9 @@ Block MixerStream::Generate(std::int16_t* out, std::size_t frames)
     }
     if (sources->size() == 1) {
         Source& only = *sources->front();
+        if (Held(only)) {
+            return {frames, true, false};
+        }
         only.glide.SetTarget(WantedGain(*only.stream));
         if (only.glide.Unity() && only.framesToStart == 0) {
             Block block = PullSource(only, out, frames);
@@ -111,6 +114,9 @@ Block MixerStream::Generate(std::int16_t* out, std::size_t frames)
     bool first = true;
     for (const auto& entry : *sources) {
         Source& source = *entry;
+        if (Held(source)) {
+            continue;
+        }
         source.glide.SetTarget(WantedGain(*source.stream));
         const auto delay = static_cast<std::size_t>(std::min<std::uint64_t>(source.framesToStart, frames));
         source.framesToStart -= delay;
@@ -135,9 +141,14 @@ Block MixerStream::Generate(std::int16_t* out, std::size_t frames)
     return {frames, false, false};
 }
 
+bool MixerStream::Held(const Source& source)
+{
+    return source.stream->stopped.load(std::memory_order_relaxed);
+}
+
 Block MixerStream::PullSource(Source& source, std::int16_t* out, std::size_t frames)
 {
-    if (source.ended || frames == 0 || source.stream->stopped.load(std::memory_order_relaxed)) {
+    if (source.ended || frames == 0) {
         return {0, true, false};
     }
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(source.framesToPlay, frames));

@@ -39,6 +39,7 @@ private:
 
     std::shared_ptr<Source> MakeSource(std::shared_ptr<Stream> stream) const;
     void Publish(GraphEdits& edits);
+    static bool Held(const Source& source);
     Block PullSource(Source& source, std::int16_t* out, std::size_t frames);
 
     SourceList m_edited;

@@ -135,9 +135,10 @@ void Output::FillRing()
     const std::size_t wanted = FramesOf(m_bufferMS.load(std::memory_order_relaxed));
     while (m_ring.Filled() < wanted) {
         m_edits.BetweenBlocks();
-        const std::size_t frames = std::min(kBlockFrames, wanted - m_ring.Filled());
+        std::size_t frames = std::min(kBlockFrames, wanted - m_ring.Filled());
         if (const auto* heartbeat = m_heartbeat.Get<Heartbeat>()) {
-            heartbeat->proc(static_cast<std::uint32_t>(frames), heartbeat->user);
+            const std::uint32_t asked = heartbeat->proc(static_cast<std::uint32_t>(frames), heartbeat->user);
+            frames = std::clamp<std::size_t>(asked, 1, frames);
         }
         const Block block = m_root->Pull(m_block.data(), frames);
         if (block.silent) {

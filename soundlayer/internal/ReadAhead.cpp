@@ -29,6 +29,12 @@ void ReadBuffer::Seek(std::int64_t frame)
     m_sourceOver = false;
 }
 
+void ReadBuffer::Fill(std::size_t frames)
+{
+    while (m_ring.Filled() < frames && Service()) {
+    }
+}
+
 void ReadBuffer::Request()
 {
     if (!m_requested.exchange(true, std::memory_order_acq_rel) && !m_workers.Request(shared_from_this())) {

@@ -34,6 +34,8 @@ public:
     const FrameSource& Source() const { return *m_source; }
     /// The next read begins at `frame`. Not while somebody reads.
     void Seek(std::int64_t frame);
+    /// Decodes until `frames` frames wait to be read, the ring is full or the file is over. Not on the mixing thread.
+    void Fill(std::size_t frames);
     /// Asks the workers to decode ahead. [RT]
     void Request();
     /// Up to `frames` frames from where the last read ended; `ended` with or behind the file's last frame. [RT] on the
@@ -43,7 +45,7 @@ public:
 private:
     friend class ReadAhead;
 
-    /// Decodes one piece into the ring; false when it is full enough or the file is over. Worker only.
+    /// Decodes one piece into the ring; false when it is full enough or the file is over.
     bool Service();
 
     std::mutex m_decoding;

@@ -70,7 +70,11 @@ TEST(Output, TheDeviceGetsEveryFrameOnceAndCountsWhatIsMissing)
 
     std::atomic<std::uint64_t> beats{0};
     output.SetHeartbeat(
-        [](std::uint32_t frames, SOUND_USER user) { *reinterpret_cast<std::atomic<std::uint64_t>*>(user) += frames; },
+        [](std::uint32_t frames, SOUND_USER user) {
+            const std::uint32_t now = (frames + 1) / 2;
+            *reinterpret_cast<std::atomic<std::uint64_t>*>(user) += now;
+            return now;
+        },
         reinterpret_cast<SOUND_USER>(&beats));
     output.Play(std::make_shared<Counting>());
     std::int32_t last = 0;
