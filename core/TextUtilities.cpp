@@ -25,7 +25,8 @@ std::string Digits(std::int64_t value, std::size_t atLeast)
 }
 
 struct SignedTime {
-    const char* sign;
+    /// "-" or "".
+    std::string sign;
     std::int64_t ms;
 };
 
