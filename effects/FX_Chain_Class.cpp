@@ -1,5 +1,6 @@
 #include "effects/FX_Chain_Class.h"
 
+#include "core/Assert.h"
 #include "core/BassHelpers.h"
 #include "effects/internal/AdoptedIds.h"
 #include "persistence/UTIL_XMLRead.h"
@@ -33,6 +34,7 @@ FX_Chain_Class::FX_Chain_Class(core::Environment& environment)
 
 core::ClassID FX_Chain_Class::AddFX(std::int32_t Priority, bool Enable, std::shared_ptr<FX_Data_Class> FxDataOBJ)
 {
+    VERIFY_OR(FxDataOBJ, return kNoId);
     m_items.push_back({m_environment.ids.Draw(), Priority, std::move(FxDataOBJ), Enable});
     return m_items.back().FxID;
 }
@@ -109,7 +111,7 @@ std::string FX_Chain_Class::GetXMLData() const
         nested.Add_Element("Enabled", item.Enable);
         nested.Add_Element("ID", item.FxID);
         nested.Add_Element("Priority", item.Priority);
-        nested.Add_RawElement("Data", item.FxDataOBJ ? item.FxDataOBJ->GetXMLData() : std::string());
+        nested.Add_RawElement("Data", item.FxDataOBJ->GetXMLData());
         writer.Add_RawElement(ItemName(i), nested.GetXMLString());
     }
     return writer.GetXMLString();
