@@ -97,7 +97,11 @@ void TagIndex::Walk(Word& word) const
             --depth;
         }
     }
-    auto& elements = word.withAttributes;
+    KeepFirstOfEachText(word.withAttributes);
+}
+
+void TagIndex::KeepFirstOfEachText(std::vector<Element>& elements) const
+{
     const auto order = [this](const Element& a, const Element& b) { return CompareTagTexts(NameOf(a), NameOf(b)); };
     std::stable_sort(elements.begin(), elements.end(),
                      [&order](const Element& a, const Element& b) { return order(a, b) < 0; });

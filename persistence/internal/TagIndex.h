@@ -50,6 +50,7 @@ private:
 
     const Word& WordOf(std::string_view word);
     void Walk(Word& word) const;
+    void KeepFirstOfEachText(std::vector<Element>& elements) const;
     std::string_view NameOf(const Element& element) const;
     std::optional<std::string_view> ValueOf(const Element& element) const;
 

@@ -110,7 +110,7 @@ TEST(XMLReadEquivalence, AgreesWithASearchFromTheStart)
 /// CTest's time limit is what fails otherwise.
 TEST(XMLReadEquivalence, StaysLinearOnHostileText)
 {
-    constexpr std::size_t kRepeats = 1'000'000;
+    constexpr std::size_t kRepeats = 400'000;
     const auto repeat = [](std::string_view token) {
         std::string text;
         text.reserve(token.size() * kRepeats);
