@@ -69,8 +69,13 @@ void CodedFile::Seek(std::int64_t frame)
     if (inReach) {
         return;
     }
-    m_source->GoTo(sample);
-    avcodec_flush_buffers(m_decoder.get());
+    // A flush leaves traces (AAC keeps the shape of its last window), which later packets wipe out but not the first.
+    DecoderPtr fresh = m_source->GoTo(sample) ? OpenDecoder(*m_index) : nullptr;
+    if (fresh) {
+        m_decoder = std::move(fresh);
+    } else {
+        avcodec_flush_buffers(m_decoder.get());
+    }
     m_span = {};
     m_spanDone = 0;
     m_frameStart = m_frameEnd = 0;

@@ -28,6 +28,9 @@ void SetUpLibrary()
     });
 }
 
+/// In a row.
+constexpr int kMostErrors = 100;
+
 /// A container that names other files does not get them.
 int RefuseFile(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**)
 {
@@ -92,15 +95,20 @@ bool MediaInput::IsFormat(const char* name) const
 
 bool MediaInput::Read(AVPacket& packet)
 {
-    for (;;) {
+    // Damage may be told as an error although sound follows.
+    for (int errors = 0; errors < kMostErrors;) {
         av_packet_unref(&packet);
-        if (av_read_frame(m_format.get(), &packet) < 0) {
+        const int result = av_read_frame(m_format.get(), &packet);
+        if (result == AVERROR_EOF) {
             return false;
         }
-        if (packet.stream_index == m_stream) {
+        if (result < 0) {
+            ++errors;
+        } else if (packet.stream_index == m_stream) {
             return true;
         }
     }
+    return false;
 }
 
 bool MediaInput::SeekToByte(std::int64_t position)

@@ -1,10 +1,10 @@
 #include "soundlayer/internal/PacketScan.h"
 
 #include "soundlayer/internal/AudioFile.h"
+#include "soundlayer/internal/PacketLoss.h"
 #include "soundlayer/internal/SampleCounter.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -61,11 +61,9 @@ private:
     /// The end of the last packet from `stamp` on, in samples; nothing if there is none.
     std::optional<std::int64_t> EndFrom(std::int64_t stamp);
     void WalkPackets();
-    bool AddPacket(SampleCounter& counter);
+    bool AddPacket(SampleCounter& counter, std::optional<PacketLoss>& loss);
     bool HasNewHeaders() const;
-    std::int64_t LostBefore(const PacketIndex::Packet& packet);
-    std::int64_t LostByStamp(const PacketIndex::Packet& packet);
-    std::int64_t LostByBytes(const PacketIndex::Packet& packet);
+    bool Locate(PacketIndex::Packet& packet);
     bool LiesInOnePiece(const PacketIndex::Packet& packet);
     void CutToSource();
 
@@ -80,11 +78,11 @@ private:
     PacketPtr m_packet;
     std::shared_ptr<PacketIndex> m_index;
     bool m_isMp3 = false;
+    bool m_isBare = false;
+    /// How many bytes may still be searched for packets that lie elsewhere than told.
+    std::size_t m_searchBytes = std::size_t{4} << 20;
     std::int64_t m_end = 0;
     std::int64_t m_discard = 0;
-    std::int64_t m_bytes = 0;
-    /// Sample 0 in the container's time, once known.
-    std::optional<std::int64_t> m_origin;
 };
 
 std::shared_ptr<const PacketIndex> PacketScan::Run()
@@ -161,8 +159,21 @@ void PacketScan::WalkPackets()
 {
     const bool inOgg = m_input.IsFormat("ogg");
     m_index->access = inOgg ? Access::ByPage : m_index->isWma ? Access::ByStamp : Access::Direct;
-    SampleCounter counter(m_input.Stream(), inOgg);
-    while (m_index->packets.size() < kMostPackets && m_input.Read(*m_packet) && AddPacket(counter)) {
+    const AVStream& stream = m_input.Stream();
+    SampleCounter counter(stream, inOgg);
+    const bool guessed = m_input.Format().duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
+    const std::int64_t declared = stream.duration == AV_NOPTS_VALUE || guessed ? 0 : ToSamples(stream.duration);
+    // A container whose tables place the packets has no holes: what lies between them is something else.
+    m_isBare = m_input.IsFormat("mp3") || m_input.IsFormat("aac");
+    const bool mayLose = inOgg || m_index->isWma || m_isBare;
+    std::optional<PacketLoss> loss;
+    if (mayLose) {
+        loss.emplace(*m_index, m_file, declared, std::max<std::int64_t>(counter.Tail(), 1));
+    }
+    while (m_index->packets.size() < kMostPackets && m_input.Read(*m_packet) && AddPacket(counter, loss)) {
+    }
+    if (loss) {
+        loss->Settle(m_end);
     }
     m_index->begin += counter.Lead();
     m_index->length = std::max<std::int64_t>(m_end + counter.Tail() - m_discard - m_index->begin, 0);
@@ -170,15 +181,14 @@ void PacketScan::WalkPackets()
 }
 
 /// False where the sound that belongs together ends.
-bool PacketScan::AddPacket(SampleCounter& counter)
+bool PacketScan::AddPacket(SampleCounter& counter, std::optional<PacketLoss>& loss)
 {
     const AVPacket& packet = *m_packet;
     PacketIndex::Packet entry;
     entry.position = packet.pos;
     entry.size = static_cast<std::uint32_t>(packet.size);
     const bool lacksSync = m_isMp3 && (packet.size < 4 || packet.data[0] != 0xFF || (packet.data[1] & 0xE0) != 0xE0);
-    if (packet.size <= 0 || packet.pos < 0 || lacksSync ||
-        (m_index->access == Access::Direct && !LiesInOnePiece(entry))) {
+    if (packet.size <= 0 || packet.pos < 0 || lacksSync || (m_index->access == Access::Direct && !Locate(entry))) {
         return true;
     }
     const bool first = m_index->packets.empty();
@@ -198,12 +208,39 @@ bool PacketScan::AddPacket(SampleCounter& counter)
     } else if (m_index->access == Access::ByPage) {
         entry.mark = PacketIndex::Fingerprint({packet.data, entry.size});
     }
-    entry.start = m_end + LostBefore(entry);
+    if (loss) {
+        const bool stamped = packet.pts != AV_NOPTS_VALUE;
+        m_end += loss->Before(entry, stamped ? std::optional(ToSamples(packet.pts)) : std::nullopt, m_end);
+    }
+    entry.start = m_end;
     m_end = entry.start + entry.count;
     m_discard = std::min<std::int64_t>(trim.end, m_end);
-    m_bytes += entry.size;
     m_index->packets.push_back(entry);
     return !(m_isMp3 && trim.end > 0);
+}
+
+/// Corrects the position of `packet`, which behind damage the container may tell wrongly; false if it is in no place.
+bool PacketScan::Locate(PacketIndex::Packet& packet)
+{
+    if (LiesInOnePiece(packet)) {
+        return true;
+    }
+    if (!m_isBare || m_index->packets.empty()) {
+        return false;
+    }
+    const std::string_view key(reinterpret_cast<const char*>(m_packet->data), std::min(packet.size, 16U));
+    packet.position = m_index->packets.back().position + m_index->packets.back().size;
+    while (!LiesInOnePiece(packet)) {
+        const auto bytes = m_window.View(packet.position, std::min(FileWindow::kBytes, m_searchBytes));
+        if (bytes.size() <= key.size()) {
+            return false;
+        }
+        const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        const std::size_t step = std::min(text.find(key, 1), text.size() - key.size());
+        packet.position += static_cast<std::int64_t>(step);
+        m_searchBytes -= step;
+    }
+    return true;
 }
 
 bool PacketScan::LiesInOnePiece(const PacketIndex::Packet& packet)
@@ -226,55 +263,6 @@ bool PacketScan::HasNewHeaders() const
     const AVCodecParameters& codec = *m_index->parameters;
     return headers &&
            (size != static_cast<std::size_t>(codec.extradata_size) || std::memcmp(headers, codec.extradata, size) != 0);
-}
-
-std::int64_t PacketScan::LostBefore(const PacketIndex::Packet& packet)
-{
-    return m_index->access == Access::Direct ? LostByBytes(packet) : LostByStamp(packet);
-}
-
-/// The samples by which the container's time runs ahead of the packets that are there.
-std::int64_t PacketScan::LostByStamp(const PacketIndex::Packet& packet)
-{
-    if (m_packet->pts == AV_NOPTS_VALUE) {
-        return 0;
-    }
-    const std::int64_t stamp = ToSamples(m_packet->pts);
-    if (!m_origin) {
-        m_origin = stamp - m_end;
-        return 0;
-    }
-    const std::int64_t ahead = stamp - *m_origin - m_end;
-    // Time stamps may be coarse: only what a lost packet explains is taken for a loss, and only as much as the bytes
-    // between the packets explain.
-    const std::int64_t least = std::max<std::int64_t>(packet.count * 3 / 4, m_index->rate / 25);
-    const std::int64_t missingBytes = packet.position - m_index->packets.back().position;
-    const double explained = 4.0 * static_cast<double>(missingBytes) * static_cast<double>(m_end) /
-                             static_cast<double>(std::max<std::int64_t>(m_bytes, 1));
-    return ahead >= least && static_cast<double>(ahead) <= explained ? ahead : 0;
-}
-
-/// The samples that the bytes since the last packet stand for, if these are no tag.
-std::int64_t PacketScan::LostByBytes(const PacketIndex::Packet& packet)
-{
-    const bool isStream = m_input.IsFormat("mp3") || m_input.IsFormat("aac");
-    if (!isStream || m_index->packets.empty()) {
-        return 0;
-    }
-    const PacketIndex::Packet& last = m_index->packets.back();
-    const std::int64_t hole = last.position + last.size;
-    const auto packets = static_cast<std::int64_t>(m_index->packets.size());
-    const std::int64_t lost = (2 * (packet.position - hole) * packets + m_bytes) / (2 * m_bytes);
-    if (lost <= 0) {
-        return 0;
-    }
-    constexpr std::array<std::string_view, 4> kTags{"ID3", "TAG", "APETAGEX", "LYRICSBEGIN"};
-    const auto bytes = m_window.View(hole, 16);
-    const std::string_view head(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (std::ranges::any_of(kTags, [head](std::string_view tag) { return head.starts_with(tag); })) {
-        return 0;
-    }
-    return lost * last.count;
 }
 
 /// Our own encoder notes the length of what it was given: the rest is the format's padding.

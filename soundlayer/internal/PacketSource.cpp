@@ -19,7 +19,11 @@ public:
     {
     }
 
-    void GoTo(std::int64_t sample) override { m_next = m_index->FirstPacketFor(sample); }
+    bool GoTo(std::int64_t sample) override
+    {
+        m_next = m_index->FirstPacketFor(sample);
+        return m_next == 0;
+    }
 
     bool Next(AVPacket& packet, Span& span) override
     {
@@ -80,10 +84,11 @@ public:
     {
     }
 
-    void GoTo(std::int64_t sample) override
+    bool GoTo(std::int64_t sample) override
     {
         m_next = m_index->FirstPacketFor(sample);
         m_mustSeek = true;
+        return m_next == 0;
     }
 
     bool Next(AVPacket& packet, Span& span) override
@@ -168,12 +173,13 @@ public:
     {
     }
 
-    void GoTo(std::int64_t sample) override
+    bool GoTo(std::int64_t sample) override
     {
         if (!m_input->SeekToStamp(sample)) {
             m_input->SeekToStamp(0);
         }
         m_end = sample;
+        return false; // each packet stands alone
     }
 
     bool Next(AVPacket& packet, Span& span) override

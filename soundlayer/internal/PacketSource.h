@@ -22,8 +22,9 @@ public:
                                               std::shared_ptr<const PacketIndex> index);
     virtual ~PacketSource() = default;
 
-    /// Goes to the packet where decoding has to begin so that `sample` comes out as in decoding from the start.
-    virtual void GoTo(std::int64_t sample) = 0;
+    /// Goes to the packet where decoding has to begin so that `sample` comes out as in decoding from the start; true if
+    /// that is the file's first.
+    virtual bool GoTo(std::int64_t sample) = 0;
     /// Puts the next packet into `packet`, whose former content is dropped. Packets that cannot be read are left out;
     /// false once there are no more.
     virtual bool Next(AVPacket& packet, Span& span) = 0;
