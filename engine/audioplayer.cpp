@@ -5,8 +5,10 @@
 
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 using velmora::engine::Engine;
+using velmora::engine::EngineTables;
 using velmora::engine::EventRow;
 
 int32_t GetDLLVersion(void)
@@ -35,29 +37,29 @@ void safeRtlCopyMemory(void* dest, const void* src, int32_t length, int32_t)
 
 void ClearChannelList(void)
 {
-    Engine::Get().tables.ClearChannels();
+    Engine::Get().planner.Edit([](EngineTables& tables) { tables.ClearChannels(); });
 }
 
 void ClearEventList(void)
 {
-    Engine::Get().tables.ClearEvents();
+    Engine::Get().planner.Edit([](EngineTables& tables) { tables.ClearEvents(); });
 }
 
 void addCC(int32_t channelId, uint32_t mixerHandle)
 {
-    Engine::Get().tables.AddChannel(channelId, mixerHandle);
+    Engine::Get().planner.Edit([=](EngineTables& tables) { tables.AddChannel(channelId, mixerHandle); });
 }
 
 void removeCC(int32_t channelId)
 {
-    Engine::Get().tables.RemoveChannel(channelId);
+    Engine::Get().planner.Edit([=](EngineTables& tables) { tables.RemoveChannel(channelId); });
 }
 
 void addEvent(int32_t channelId, int32_t eventId, double gainFactor, const char* filePath, int32_t timePosMS,
               int32_t startMS, int32_t endMS, int32_t fadeInEndMS, int32_t fadeOutStartMS)
 {
-    Engine::Get().tables.PutEvent({channelId, eventId}, EventRow{gainFactor, filePath ? filePath : "", timePosMS,
-                                                                 startMS, endMS, fadeInEndMS, fadeOutStartMS});
+    EventRow row{gainFactor, filePath ? filePath : "", timePosMS, startMS, endMS, fadeInEndMS, fadeOutStartMS};
+    Engine::Get().planner.Edit([&](EngineTables& tables) { tables.PutEvent({channelId, eventId}, std::move(row)); });
 }
 
 void updateEvent(int32_t channelId, int32_t eventId, double gainFactor, const char* filePath, int32_t timePosMS,
@@ -68,37 +70,37 @@ void updateEvent(int32_t channelId, int32_t eventId, double gainFactor, const ch
 
 void removeEvent(int32_t channelId, int32_t eventId)
 {
-    Engine::Get().tables.RemoveEvent({channelId, eventId});
+    Engine::Get().planner.Edit([=](EngineTables& tables) { tables.RemoveEvent({channelId, eventId}); });
 }
 
 void player_Play(void)
 {
-    Engine::Get().clock.Play();
+    Engine::Get().Play();
 }
 
 void player_Pause(void)
 {
-    Engine::Get().clock.Pause();
+    Engine::Get().mixSide.clock.Pause();
 }
 
 int32_t player_IsPlaying(void)
 {
-    return Engine::Get().clock.Playing() ? 1 : 0;
+    return Engine::Get().mixSide.clock.Playing() ? 1 : 0;
 }
 
 int32_t player_GetTimePos(void)
 {
-    return Engine::Get().clock.PositionMS(Engine::Get().Rate());
+    return Engine::Get().TimePos();
 }
 
 void player_SetTimePos(int32_t positionMS)
 {
-    Engine::Get().clock.SetPositionMS(positionMS, Engine::Get().Rate());
+    Engine::Get().SetTimePos(positionMS);
 }
 
 void player_SetMetronome(int32_t enabled, double periodMS, uint32_t streamHandle)
 {
-    Engine::Get().metronome = {enabled != 0, periodMS, streamHandle};
+    Engine::Get().SetMetronome(enabled != 0, periodMS, streamHandle);
 }
 
 void* get_GainDSP_memaddress(void)
@@ -167,7 +169,7 @@ void StreamCopy_GetBufferSize(uint32_t sourceStream, int32_t* sizeOut)
 
 void dbg_PrintEventList(void)
 {
-    for (const auto& [key, row] : Engine::Get().tables.Events()) {
+    for (const auto& [key, row] : Engine::Get().planner.Events()) {
         std::fprintf(stderr, "%d %d at %d ms: %d..%d of %s, gain %g\n", key.channelId, key.eventId, row.timePosMS,
                      row.startMS, row.endMS, row.filePath.c_str(), row.gainFactor);
     }
@@ -175,5 +177,5 @@ void dbg_PrintEventList(void)
 
 int32_t player_GetDebugCounter(void)
 {
-    return static_cast<std::int32_t>(Engine::Get().clock.Frames());
+    return static_cast<std::int32_t>(Engine::Get().mixSide.MissedVoices());
 }

@@ -69,6 +69,7 @@ ENGINE_API void StreamCopy_SetInterpolationSamples(int32_t samples);
 ENGINE_API void StreamCopy_GetBufferSize(uint32_t sourceStream, int32_t* sizeOut);
 
 ENGINE_API void dbg_PrintEventList(void);
+/// Clips that were not ready when the clock came to them, since `initdata`.
 ENGINE_API int32_t player_GetDebugCounter(void);
 
 #ifdef __cplusplus

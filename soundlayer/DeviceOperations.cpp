@@ -74,12 +74,14 @@ int32_t BASS_GetDevice(void)
 
 int BASS_GetInfo(BASS_INFO* info)
 {
-    const Library& library = Library::Get();
-    if (!library.output) {
-        return Fail(BASS_ERROR_INIT, 0);
-    }
-    *info = {library.output->Device().MinBufferMS(), library.output->Device().LatencyMS(), library.output->Rate()};
-    return 1;
+    return Operation(0, [&] {
+        const Library& library = Library::Get();
+        if (!library.output) {
+            return Fail(BASS_ERROR_INIT, 0);
+        }
+        *info = {library.output->Device().MinBufferMS(), library.output->Device().LatencyMS(), library.output->Rate()};
+        return 1;
+    });
 }
 
 int BASS_GetDeviceInfo(uint32_t device, BASS_DEVICEINFO* info)
@@ -116,16 +118,18 @@ int BASS_SetConfig(uint32_t option, uint32_t value)
 
 uint32_t BASS_GetConfig(uint32_t option)
 {
-    switch (option) {
-    case BASS_CONFIG_BUFFER:
-        return Library::Get().bufferMS;
-    case BASS_CONFIG_UPDATEPERIOD:
-        return Library::Get().periodMS;
-    case BASS_CONFIG_CURVE_VOL:
-        return 0;
-    default:
-        return Fail(SOUND_ERROR_PARAM, UINT32_MAX);
-    }
+    return Operation(UINT32_MAX, [&]() -> std::uint32_t {
+        switch (option) {
+        case BASS_CONFIG_BUFFER:
+            return Library::Get().bufferMS;
+        case BASS_CONFIG_UPDATEPERIOD:
+            return Library::Get().periodMS;
+        case BASS_CONFIG_CURVE_VOL:
+            return 0;
+        default:
+            return Fail(SOUND_ERROR_PARAM, UINT32_MAX);
+        }
+    });
 }
 
 void Sound_SetThreads(uint32_t threads)
@@ -151,6 +155,8 @@ int Sound_SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user)
 
 uint64_t Sound_MissedFrames(void)
 {
-    const Library& library = Library::Get();
-    return library.output ? library.output->MissedFrames() : 0;
+    return Operation(std::uint64_t{0}, [] {
+        const Library& library = Library::Get();
+        return library.output ? library.output->MissedFrames() : 0;
+    });
 }

@@ -1,6 +1,9 @@
 #include "engine/internal/Engine.h"
 
+#include "core/Units.h"
 #include "soundlayer/soundlayer.h"
+
+#include <algorithm>
 
 namespace velmora::engine {
 
@@ -9,11 +12,18 @@ namespace {
 /// [RT]
 std::uint32_t OnHeartbeat(std::uint32_t frames, SOUND_USER user)
 {
-    reinterpret_cast<Engine*>(user)->clock.Advance(frames);
-    return frames;
+    return reinterpret_cast<MixSide*>(user)->BeforeBlock(frames);
 }
 
 } // namespace
+
+Engine::Engine()
+    : planner(mixSide)
+    , m_metronome(mixSide)
+{
+}
+
+Engine::~Engine() = default;
 
 Engine& Engine::Get()
 {
@@ -23,21 +33,42 @@ Engine& Engine::Get()
 
 void Engine::Start()
 {
-    Sound_SetHeartbeat(&OnHeartbeat, reinterpret_cast<SOUND_USER>(this));
+    planner.Start();
+    Sound_SetHeartbeat(&OnHeartbeat, reinterpret_cast<SOUND_USER>(&mixSide));
 }
 
 void Engine::Stop()
 {
     Sound_SetHeartbeat(nullptr, 0);
-    clock.Pause();
-    clock.SetPositionMS(0, Rate());
+    mixSide.clock.Pause();
+    m_metronome.Set(false, 0, 0, Rate());
+    planner.Stop();
+    mixSide.clock.SetFrames(0);
     copier.Clear();
-    tables.ClearChannels();
-    tables.ClearEvents();
-    metronome = {};
 }
 
-std::int32_t Engine::Rate() const
+void Engine::Play()
+{
+    // The clock starts once the voices at its position are ready, as after a seek.
+    mixSide.Play(planner.Seek(planner.Frames()));
+}
+
+void Engine::SetTimePos(std::int32_t positionMS)
+{
+    planner.Seek(core::FrameOfMS(std::max(positionMS, 0), Rate()));
+}
+
+std::int32_t Engine::TimePos() const
+{
+    return PlaybackClock::TimeOf(planner.Frames(), Rate());
+}
+
+void Engine::SetMetronome(bool enabled, double periodMS, std::uint32_t stream)
+{
+    m_metronome.Set(enabled, periodMS, stream, Rate());
+}
+
+std::int32_t Engine::Rate()
 {
     constexpr std::int32_t kDefaultRate = 44100;
     BASS_INFO info{};

@@ -1,35 +1,41 @@
 #pragma once
 
-#include "engine/internal/EngineTables.h"
-#include "engine/internal/PlaybackClock.h"
+#include "engine/internal/MetronomeClick.h"
+#include "engine/internal/MixSide.h"
+#include "engine/internal/Planner.h"
 #include "engine/internal/StreamCopier.h"
 
 #include <cstdint>
 
 namespace velmora::engine {
 
-struct MetronomeSetting {
-    bool enabled = false;
-    double periodMS = 0;
-    std::uint32_t streamHandle = 0;
-};
-
 /// What stands behind the library's entry points. Interface thread, but for what its parts say.
 class Engine {
 public:
+    Engine();
+    ~Engine();
+    /// The one behind the entry points.
     static Engine& Get();
 
     /// Hears the device's heartbeat from now on.
     void Start();
     /// Empties everything and puts the clock back to 0.
     void Stop();
-    /// The device's rate in Hz; 44100 while there is none.
-    std::int32_t Rate() const;
 
-    EngineTables tables;
-    PlaybackClock clock;
+    void Play();
+    void SetTimePos(std::int32_t positionMS);
+    std::int32_t TimePos() const;
+    void SetMetronome(bool enabled, double periodMS, std::uint32_t stream);
+
+    MixSide mixSide;
+    Planner planner;
     StreamCopier copier;
-    MetronomeSetting metronome;
+
+private:
+    /// The device's rate in Hz; 44100 while there is none.
+    static std::int32_t Rate();
+
+    MetronomeClick m_metronome;
 };
 
 } // namespace velmora::engine

@@ -3,8 +3,11 @@
 #include <compare>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace velmora::engine {
 
@@ -25,10 +28,20 @@ struct EventRow {
     std::int32_t endMS = 0;
     std::int32_t fadeInEndMS = 0;
     std::int32_t fadeOutStartMS = 0;
+
+    std::int64_t EndPosMS() const { return std::int64_t{timePosMS} + endMS - startMS; }
+    bool operator==(const EventRow&) const = default;
 };
 
-/// The channels with their input mixers, and the clips. Interface thread. Adding or removing a clip costs the logarithm
-/// of their number.
+/// A clip with the mixer that it plays into.
+struct ClipToPlay {
+    EventKey key;
+    EventRow row;
+    std::uint32_t mixer = 0;
+};
+
+/// The channels with their input mixers, and the clips, also in the order of their time. Adding or removing a clip
+/// costs the logarithm of their number. One thread at a time.
 class EngineTables {
 public:
     void AddChannel(std::int32_t channelId, std::uint32_t mixerHandle) { m_channels[channelId] = mixerHandle; }
@@ -40,13 +53,19 @@ public:
 
     /// Adds a clip or replaces the one of that key.
     void PutEvent(EventKey key, EventRow row);
-    void RemoveEvent(EventKey key) { m_events.erase(key); }
-    void ClearEvents() { m_events.clear(); }
+    void RemoveEvent(EventKey key);
+    void ClearEvents();
     const std::map<EventKey, EventRow>& Events() const { return m_events; }
+
+    /// The clips of known channels that sound anywhere in `fromMS`..`toMS`, by their start, `most` at most.
+    std::vector<ClipToPlay> Between(std::int64_t fromMS, std::int64_t toMS, std::size_t most) const;
 
 private:
     std::unordered_map<std::int32_t, std::uint32_t> m_channels;
     std::map<EventKey, EventRow> m_events;
+    std::set<std::pair<std::int32_t, EventKey>> m_byTime;
+    /// No clip is longer; it only grows until all go.
+    std::int64_t m_longestMS = 0;
 };
 
 } // namespace velmora::engine

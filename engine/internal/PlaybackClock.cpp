@@ -1,7 +1,5 @@
 #include "engine/internal/PlaybackClock.h"
 
-#include "core/Units.h"
-
 namespace velmora::engine {
 
 void PlaybackClock::Advance(std::uint32_t frames)
@@ -11,15 +9,10 @@ void PlaybackClock::Advance(std::uint32_t frames)
     }
 }
 
-std::int32_t PlaybackClock::PositionMS(std::int32_t rate) const
+std::int32_t PlaybackClock::TimeOf(std::int64_t frame, std::int32_t rate)
 {
     // The greatest t with floor(t x rate / 1000) <= frame.
-    return static_cast<std::int32_t>(((Frames() + 1) * 1000 - 1) / rate);
-}
-
-void PlaybackClock::SetPositionMS(std::int32_t positionMS, std::int32_t rate)
-{
-    m_frames.store(core::FrameOfMS(positionMS < 0 ? 0 : positionMS, rate), std::memory_order_release);
+    return static_cast<std::int32_t>(((frame + 1) * 1000 - 1) / rate);
 }
 
 } // namespace velmora::engine

@@ -7,7 +7,7 @@ namespace velmora::engine {
 
 /// The position of playback, counted in frames of the device. It moves only by the frames that were mixed.
 ///
-/// Threads: the mixing thread advances it, the interface thread sets and reads it.
+/// Threads: the mixing thread advances and sets it, any thread reads it.
 class PlaybackClock {
 public:
     void Play() { m_playing.store(true, std::memory_order_release); }
@@ -17,10 +17,12 @@ public:
     /// Counts `frames` if the clock runs. [RT]
     void Advance(std::uint32_t frames);
     std::int64_t Frames() const { return m_frames.load(std::memory_order_acquire); }
+    /// [RT]
+    void SetFrames(std::int64_t frames) { m_frames.store(frames, std::memory_order_release); }
 
     /// The last millisecond whose frame is not behind the position, so that a time that was set reads back as it was.
-    std::int32_t PositionMS(std::int32_t rate) const;
-    void SetPositionMS(std::int32_t positionMS, std::int32_t rate);
+    std::int32_t PositionMS(std::int32_t rate) const { return TimeOf(Frames(), rate); }
+    static std::int32_t TimeOf(std::int64_t frame, std::int32_t rate);
 
 private:
     std::atomic<std::int64_t> m_frames{0};
