@@ -10,11 +10,13 @@ LoadContext::LoadContext(core::ClassIdCounter& ids, AudioFileCheck* files)
 
 core::ClassID LoadContext::Adopt(core::ClassID stated)
 {
-    if (core::CanAdoptID(stated) && m_seen.insert(static_cast<std::int32_t>(stated)).second) {
+    if (core::CanAdoptID(stated) && m_taken.insert(stated).second) {
         m_ids.RiseAbove(stated);
         return stated;
     }
-    return m_ids.Draw();
+    const core::ClassID fresh = m_ids.Draw();
+    m_taken.insert(fresh);
+    return fresh;
 }
 
 } // namespace velmora::project

@@ -18,8 +18,8 @@ public:
 
     AudioFileCheck* Files() const { return m_files; }
 
-    /// The id to take for the `stated` one: itself, and no later id equals it; or a fresh one if it is no whole
-    /// number of at most 31 bits or stood in this text before.
+    /// The id to take for the `stated` one: itself, and no later id equals it; or a fresh one if it cannot be
+    /// adopted or is taken in this load already.
     core::ClassID Adopt(core::ClassID stated);
 
     /// Something in the text was missing, invalid or dropped.
@@ -29,7 +29,7 @@ public:
 private:
     core::ClassIdCounter& m_ids;
     AudioFileCheck* m_files;
-    std::unordered_set<std::int32_t> m_seen;
+    std::unordered_set<core::ClassID> m_taken;
     std::int32_t m_losses = 0;
 };
 

@@ -2,7 +2,6 @@
 
 #include "audio/Metronome_Class.h"
 #include "audio/Recorder_Class.h"
-#include "persistence/Numbers.h"
 #include "persistence/UTIL_XMLRead.h"
 #include "persistence/UTIL_XMLWrite.h"
 #include "project/ChannelDataClass.h"
@@ -15,7 +14,6 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
 namespace velmora::project {
 namespace {
@@ -71,7 +69,6 @@ bool ProjectText::LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecor
     if (!reader.MasterTagIs("projectfile_class")) {
         return false;
     }
-    RaiseIDs(xml);
     m_channels.Clear();
     if (loadIDs) {
         core::ClassID stated = -1;
@@ -79,8 +76,8 @@ bool ProjectText::LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecor
         id = load.Adopt(stated);
     }
     LoadParts(reader, loadRecorder, load);
-    const Count music = LoadChannels(xml, reader, Channel_Class::kMusic, load);
-    const Count voice = LoadChannels(xml, reader, Channel_Class::kVoice, load);
+    const Count music = LoadChannels(reader, Channel_Class::kMusic, load);
+    const Count voice = LoadChannels(reader, Channel_Class::kVoice, load);
     const std::int64_t total = music.stated + voice.stated;
     const std::int64_t failed = total - music.loaded - voice.loaded;
     if (failed > 0) {
@@ -115,16 +112,13 @@ void ProjectText::LoadParts(persistence::UTIL_XMLRead& reader, bool loadRecorder
     }
 }
 
-ProjectText::Count ProjectText::LoadChannels(std::string_view xml, persistence::UTIL_XMLRead& reader, std::int32_t mode,
-                                             LoadContext& load)
+ProjectText::Count ProjectText::LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, LoadContext& load)
 {
     std::int32_t stated = 0;
     bool whole = reader.ReadElement(CountOf(mode), stated, 0);
     stated = std::max(stated, 0);
     Count count{stated, 0};
-    std::vector<std::int32_t> items = ItemNumbers(xml, ItemsOf(mode), stated - 1, &whole);
-    items.resize(std::min(items.size(), kMostChannels));
-    for (const std::int32_t i : items) {
+    for (std::int32_t i = 0; i < std::min(stated, kMostChannels); ++i) {
         const auto text = reader.ReadRaw(ItemName(ItemsOf(mode), i));
         if (!text || text->empty()) {
             continue;
@@ -136,21 +130,11 @@ ProjectText::Count ProjectText::LoadChannels(std::string_view xml, persistence::
             m_channels.RemoveLast(mode);
         }
     }
-    if (!whole) {
+    // A count that is too small would hide channels.
+    if (!whole || reader.ReadRaw(ItemName(ItemsOf(mode), stated))) {
         load.CountLoss();
     }
     return count;
-}
-
-void ProjectText::RaiseIDs(std::string_view xml)
-{
-    // What is made while loading draws ids of its own: they shall equal none that the text brings later.
-    constexpr std::string_view kID = "ID>float: ";
-    for (std::size_t at = xml.find(kID); at != std::string_view::npos; at = xml.find(kID, at + 1)) {
-        constexpr std::size_t kLongestNumber = 40;
-        const auto id = persistence::NumericPrefix(xml.substr(at + kID.size(), kLongestNumber));
-        m_project.Environment().ids.RiseAbove(id.value_or(-1));
-    }
 }
 
 } // namespace velmora::project

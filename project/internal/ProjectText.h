@@ -2,7 +2,6 @@
 
 #include "core/ClassIds.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -22,7 +21,7 @@ class ProjectFile_Class;
 class ProjectText {
 public:
     /// More channels of a kind are not loaded: every channel hears every message of the bus.
-    static constexpr std::size_t kMostChannels = 1000;
+    static constexpr std::int32_t kMostChannels = 1000;
 
     ProjectText(ProjectFile_Class& project, ChannelRegistry& channels);
 
@@ -39,9 +38,8 @@ private:
     };
 
     void WriteChannels(persistence::UTIL_XMLWrite& writer, std::int32_t mode) const;
-    Count LoadChannels(std::string_view xml, persistence::UTIL_XMLRead& reader, std::int32_t mode, LoadContext& load);
+    Count LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, LoadContext& load);
     void LoadParts(persistence::UTIL_XMLRead& reader, bool loadRecorder, LoadContext& load);
-    void RaiseIDs(std::string_view xml);
 
     ProjectFile_Class& m_project;
     ChannelRegistry& m_channels;
