@@ -37,7 +37,8 @@ protected:
     static std::vector<double> Walk(const ChannelDataClass& list)
     {
         std::vector<double> times;
-        for (std::int32_t id = list.GetFirstEvent_ID(); id != -1; id = list.GetNextEvent_ID(id)) {
+        for (std::int32_t id = list.GetFirstEvent_ID(); id != -1 && times.size() <= list.EventCount();
+             id = list.GetNextEvent_ID(id)) {
             std::int32_t type = 0;
             times.emplace_back();
             EXPECT_TRUE(list.GetEventData(id, type, times.back()));
