@@ -68,7 +68,7 @@ std::vector<std::int32_t> ItemNumbers(std::string_view text, std::string_view na
         }
     }
     std::ranges::sort(numbers);
-    numbers.erase(std::ranges::unique(numbers).begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
     const auto beyond = std::ranges::upper_bound(numbers, last);
     if (whole && beyond != numbers.end()) {
         *whole = false;
