@@ -15,6 +15,8 @@ namespace {
 
 /// No text holds more chains than it has room for tags, whatever number it announces.
 constexpr std::size_t kShortestItem = 20;
+/// Each takes a copy of the stream. The interface makes one; a text with more than these is damage.
+constexpr std::int32_t kMostChains = 100;
 
 /// What is edited while one lives reaches the device together.
 struct GraphEdit {
@@ -175,8 +177,15 @@ std::optional<FX_ChainContainer_Class::ChainList> FX_ChainContainer_Class::ReadC
     reader.ReadElement("ID", list.id, 0.0);
     reader.ReadElement("TotalN", announced, 0);
     const auto room = static_cast<std::int32_t>(std::min(xml.size() / kShortestItem, std::size_t{INT32_MAX}));
-    for (std::int32_t number = 1; number <= std::min(announced, room); ++number) {
-        const auto text = reader.ReadRaw(ItemName(number));
+    // Chains stand beside each other. Those inside others would be read over and over, so all together may be no longer
+    // than their text.
+    std::size_t left = xml.size();
+    for (std::int32_t number = 1; number <= std::min({announced, room, kMostChains}); ++number) {
+        auto text = reader.ReadRaw(ItemName(number));
+        if (text && text->size() > left) {
+            text.reset();
+        }
+        left -= text ? text->size() : 0;
         auto chain = std::make_shared<FX_Chain_Class>(m_environment);
         bool chainWhole = false;
         if (text && chain->LoadXMLData(*text, assignNewIDs, &chainWhole)) {

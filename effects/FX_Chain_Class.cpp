@@ -133,11 +133,15 @@ bool FX_Chain_Class::LoadXMLData(std::string_view XMLData, bool AssignNewIDs, bo
     bool invalidData = false;
     std::vector<FxItem> items;
     const auto room = static_cast<std::int32_t>(std::min(XMLData.size() / kShortestItem, std::size_t{INT32_MAX}));
+    // Items stand beside each other. Those inside others would be read over and over, so all together may be no longer
+    // than their text.
+    std::size_t left = XMLData.size();
     for (std::int32_t i = 0; i < std::min(announced, room); ++i) {
         const auto text = reader.ReadRaw(ItemName(i));
-        if (!text) {
+        if (!text || text->size() > left) {
             continue;
         }
+        left -= text->size();
         auto nested = persistence::UTIL_XMLRead::Plain(*text);
         FxItem item;
         nested.ReadElement("Enabled", item.Enable, false);

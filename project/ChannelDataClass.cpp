@@ -237,8 +237,9 @@ bool ChannelDataClass::LoadXMLData(std::string_view XML, bool AdoptClassID, Load
         m_eventIDCounter = kFirstEventID;
     }
     std::vector<EventRow*> withoutID;
+    RowBudget budget(XML);
     for (const std::int32_t i : ItemNumbers(XML, "EventData", m_lastRow, &whole)) {
-        const auto raw = reader.ReadRaw(ItemName("EventData", i));
+        const auto raw = budget.Take(reader.ReadRaw(ItemName("EventData", i)));
         if (!raw || !LoadRow(i, *raw, load, withoutID)) {
             whole = false;
         }

@@ -105,8 +105,9 @@ bool MarkList_Class::LoadXMLData(std::string_view XML, bool /*LoadIDs*/, bool* c
     std::int32_t lastIndex = -1;
     bool whole = reader.ReadElement("TotalN", lastIndex, -1);
     std::vector<Mark> marks;
+    RowBudget budget(XML);
     for (const std::int32_t i : ItemNumbers(XML, "List", lastIndex, &whole)) {
-        const auto raw = reader.ReadRaw(ItemName("List", i));
+        const auto raw = budget.Take(reader.ReadRaw(ItemName("List", i)));
         if (!raw || raw->empty()) {
             continue;
         }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <optional>
 
 namespace velmora::project {
 namespace {
@@ -75,6 +74,15 @@ std::vector<std::int32_t> ItemNumbers(std::string_view text, std::string_view na
     }
     numbers.erase(beyond, numbers.end());
     return numbers;
+}
+
+std::optional<std::string_view> RowBudget::Take(std::optional<std::string_view> row)
+{
+    if (!row || row->size() > m_left) {
+        return std::nullopt;
+    }
+    m_left -= row->size();
+    return row;
 }
 
 } // namespace velmora::project

@@ -76,8 +76,9 @@ bool ProjectText::LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecor
         id = load.Adopt(stated);
     }
     LoadParts(reader, loadRecorder, load);
-    const Count music = LoadChannels(reader, Channel_Class::kMusic, load);
-    const Count voice = LoadChannels(reader, Channel_Class::kVoice, load);
+    RowBudget budget(xml);
+    const Count music = LoadChannels(reader, Channel_Class::kMusic, budget, load);
+    const Count voice = LoadChannels(reader, Channel_Class::kVoice, budget, load);
     const std::int64_t total = music.stated + voice.stated;
     const std::int64_t failed = total - music.loaded - voice.loaded;
     if (failed > 0) {
@@ -112,14 +113,15 @@ void ProjectText::LoadParts(persistence::UTIL_XMLRead& reader, bool loadRecorder
     }
 }
 
-ProjectText::Count ProjectText::LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, LoadContext& load)
+ProjectText::Count ProjectText::LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, RowBudget& budget,
+                                             LoadContext& load)
 {
     std::int32_t stated = 0;
     bool whole = reader.ReadElement(CountOf(mode), stated, 0);
     stated = std::max(stated, 0);
     Count count{stated, 0};
     for (std::int32_t i = 0; i < std::min(stated, kMostChannels); ++i) {
-        const auto text = reader.ReadRaw(ItemName(ItemsOf(mode), i));
+        const auto text = budget.Take(reader.ReadRaw(ItemName(ItemsOf(mode), i)));
         if (!text || text->empty()) {
             continue;
         }

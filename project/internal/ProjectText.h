@@ -16,6 +16,7 @@ namespace velmora::project {
 class ChannelRegistry;
 class LoadContext;
 class ProjectFile_Class;
+class RowBudget;
 
 /// A project as text, and back.
 class ProjectText {
@@ -38,7 +39,7 @@ private:
     };
 
     void WriteChannels(persistence::UTIL_XMLWrite& writer, std::int32_t mode) const;
-    Count LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, LoadContext& load);
+    Count LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, RowBudget& budget, LoadContext& load);
     void LoadParts(persistence::UTIL_XMLRead& reader, bool loadRecorder, LoadContext& load);
 
     ProjectFile_Class& m_project;

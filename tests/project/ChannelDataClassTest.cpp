@@ -175,5 +175,18 @@ TEST_F(ChannelData, StatedNumbersAreBelievedOnlyAsFarAsRowsStandThere)
     EXPECT_GT(m_losses, 0);
 }
 
+TEST_F(ChannelData, RowsInsideRowsAreNotReadOverAndOver)
+{
+    std::string rows = "<ID>int: 12</ID><TimePos>float: 6</TimePos>"
+                       "<EventOBJData><Event_Wave_Class></Event_Wave_Class></EventOBJData>";
+    for (int i = 50; i >= 0; --i) {
+        rows = "<EventData item=\"" + std::to_string(i) + "\">" + rows + "</EventData>";
+    }
+    ASSERT_TRUE(
+        Load(m_list, "<ChannelData_Class><EventsA_Size>int: 50</EventsA_Size>" + rows + "</ChannelData_Class>"));
+    EXPECT_EQ(m_list.EventCount(), 1u);
+    EXPECT_GT(m_losses, 0);
+}
+
 } // namespace
 } // namespace velmora::project
