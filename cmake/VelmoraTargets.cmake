@@ -5,7 +5,7 @@ target_compile_options(velmora_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 # GCC 12 takes a literal + std::string for overlapping copies when it optimises fully (its bug 105651).
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    target_compile_options(velmora_flags INTERFACE -Wno-restrict)
+    target_compile_options(velmora_flags INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
 endif()
 target_include_directories(velmora_flags INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_definitions(velmora_flags INTERFACE

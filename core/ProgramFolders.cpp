@@ -35,10 +35,15 @@ bool BelongsToProjectFile(const Files& files, const std::string& parent, const s
     return !files.ListFiles(parent, base + ".audioproj").empty();
 }
 
+std::string Inside(std::string_view folder, std::string_view name)
+{
+    return std::string(folder).append("\\").append(name);
+}
+
 void ClearProject(Environment& environment, const std::string& folder)
 {
     Files& files = environment.files;
-    if (!files.FileCanBeOpened(folder + '\\' + std::string(kLockFile)) || !files.ListFolders(folder).empty()) {
+    if (!files.FileCanBeOpened(Inside(folder, kLockFile)) || !files.ListFolders(folder).empty()) {
         return;
     }
     const std::vector<std::string> names = files.ListFiles(folder, "*.*");
@@ -56,7 +61,7 @@ void ClearProject(Environment& environment, const std::string& folder)
         return;
     }
     for (const std::string& name : names) {
-        files.DeleteFile(folder + '\\' + name);
+        files.DeleteFile(Inside(folder, name));
     }
     files.DeleteEmptyFolder(folder);
 }
@@ -79,7 +84,7 @@ void ClearAbandonedProjects(Environment& environment)
     for (const std::string& name : environment.files.ListFolders(parent)) {
         if (LowerCase(name).find("project") != std::string::npos &&
             !BelongsToProjectFile(environment.files, parent, name)) {
-            ClearProject(environment, parent + '\\' + name);
+            ClearProject(environment, Inside(parent, name));
         }
     }
 }

@@ -157,7 +157,7 @@ std::string CollapseBlanks(std::string_view Text)
 {
     std::string result(Trim(Text));
     const auto both = [](char a, char b) { return a == ' ' && b == ' '; };
-    result.erase(std::ranges::unique(result, both).begin(), result.end());
+    result.erase(std::unique(result.begin(), result.end(), both), result.end());
     return result;
 }
 

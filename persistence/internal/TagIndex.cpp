@@ -33,9 +33,9 @@ std::optional<std::string_view> TagIndex::Find(std::string_view key)
     }
     const auto found = std::lower_bound(word.withAttributes.begin(), word.withAttributes.end(), key,
                                         [this](const Element& element, std::string_view wanted) {
-                                            return CompareTagTexts(NameOf(element), wanted) < 0;
+                                            return std::is_lt(CompareTagTexts(NameOf(element), wanted));
                                         });
-    if (found == word.withAttributes.end() || CompareTagTexts(NameOf(*found), key) != 0) {
+    if (found == word.withAttributes.end() || std::is_neq(CompareTagTexts(NameOf(*found), key))) {
         return std::nullopt;
     }
     return ValueOf(*found);
@@ -45,7 +45,7 @@ const TagIndex::Word& TagIndex::WordOf(std::string_view word)
 {
     const std::uint32_t hash = WordHash(word);
     for (const Word& known : m_words) {
-        if (known.hash == hash && CompareTagTexts(known.word, word) == 0) {
+        if (known.hash == hash && std::is_eq(CompareTagTexts(known.word, word))) {
             return known;
         }
     }
@@ -74,7 +74,7 @@ void TagIndex::Walk(Word& word) const
         const auto end = static_cast<std::uint32_t>(m_text.find('>', tag.position + 1));
         const std::string_view text = Trimmed(m_text.substr(name, end - name));
         const std::string_view first = FirstWord(text);
-        if (CompareTagTexts(first, word.word) != 0) {
+        if (std::is_neq(CompareTagTexts(first, word.word))) {
             continue;
         }
         const bool plain = first.size() == text.size();
@@ -104,9 +104,9 @@ void TagIndex::KeepFirstOfEachText(std::vector<Element>& elements) const
 {
     const auto order = [this](const Element& a, const Element& b) { return CompareTagTexts(NameOf(a), NameOf(b)); };
     std::stable_sort(elements.begin(), elements.end(),
-                     [&order](const Element& a, const Element& b) { return order(a, b) < 0; });
+                     [&order](const Element& a, const Element& b) { return std::is_lt(order(a, b)); });
     elements.erase(std::unique(elements.begin(), elements.end(),
-                               [&order](const Element& a, const Element& b) { return order(a, b) == 0; }),
+                               [&order](const Element& a, const Element& b) { return std::is_eq(order(a, b)); }),
                    elements.end());
 }
 

@@ -32,7 +32,7 @@ std::strong_ordering CompareTagTexts(std::string_view a, std::string_view b)
     std::size_t j = 0;
     while (i < a.size() && j < b.size()) {
         const auto order = static_cast<unsigned char>(LowerCase(a[i])) <=> static_cast<unsigned char>(LowerCase(b[j]));
-        if (order != 0) {
+        if (std::is_neq(order)) {
             return order;
         }
         i = Next(a, i);

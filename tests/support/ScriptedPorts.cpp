@@ -20,7 +20,7 @@ Answer TakeAnswer(std::deque<Answer>& answers, Answer careful, const std::string
         ADD_FAILURE() << "asked without an answer: " << question;
         return careful;
     }
-    const Answer answer = std::move(answers.front());
+    Answer answer = std::move(answers.front());
     answers.pop_front();
     return answer;
 }
