@@ -125,6 +125,7 @@ AudioExport::Ending AudioExport::Export()
     }
     LiveMonitoringPause monitoring(m_project);
     monitoring.Begin();
+    const AutoStopPause autoStop(m_project);
     OfflineMaster master(*m_project.MasterVolume);
 
     const std::int32_t rate = m_environment.config.BassDevice_Freq;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/audioplayer.h"
+
 #include <cstdint>
 
 /// How a clip's gain and fades reach the sound layer, for playback and export alike.
@@ -15,13 +17,13 @@ struct ClipFades {
 
 /// The volume attribute at `timeMS`, a point within the clip: rising from 0 to 1 until the fade-in's end, falling from
 /// 1 to 0 from the fade-out's start to the clip's end, else 1. The fade-out wins where both act. [RT]
-float VolumeAt(const ClipFades& fades, std::int64_t timeMS);
+ENGINE_API float VolumeAt(const ClipFades& fades, std::int64_t timeMS);
 
 /// The next time after `timeMS` at which the volume moves: a multiple of 10 ms while a fade acts, the first of them
 /// before; the greatest number when none comes. [RT]
-std::int64_t NextFadeStep(const ClipFades& fades, std::int64_t timeMS);
+ENGINE_API std::int64_t NextFadeStep(const ClipFades& fades, std::int64_t timeMS);
 
 /// The gain DSP's user value of a factor: x 10000, cut, within 0..2147483647.
-std::uintptr_t GainUserValue(double factor);
+ENGINE_API std::uintptr_t GainUserValue(double factor);
 
 } // namespace velmora::engine

@@ -1,10 +1,10 @@
 #include "project/ProjectFile_Class.h"
 
+#include "audio/AudioPlayer_Class.h"
 #include "audio/MasterVolume_Class.h"
 #include "audio/Metronome_Class.h"
 #include "audio/Recorder_Class.h"
 #include "core/MsgIds.h"
-#include "engine/audioplayer.h"
 #include "project/CDC_Event_Wave_Class.h"
 #include "project/ChannelDataClass.h"
 #include "project/Channel_Class.h"
@@ -44,9 +44,7 @@ ProjectFile_Class::ProjectFile_Class(core::Environment& environment)
 
 ProjectFile_Class::~ProjectFile_Class()
 {
-    player_Pause();
-    ClearEventList();
-    ClearChannelList();
+    Player.reset();
     while (!m_setupForms.empty()) {
         FX_CloseSetupForm(*m_setupForms.begin());
     }
@@ -93,6 +91,7 @@ void ProjectFile_Class::InitializeClass()
     views.InitializeEventsEditor();
     views.InitializeEventsSmallView();
 
+    Player = std::make_unique<audio::AudioPlayer_Class>(m_environment, *this);
     core::MsgParametersClass range;
     range.PlayFromMS = core::kUnset;
     Send(core::Msg_Player_SetRange, range);
@@ -418,7 +417,7 @@ void ProjectFile_Class::util_StopIfPlayingOrRecording()
     core::MsgParametersClass params;
     if (Recorder->isRecording()) {
         Send(core::Msg_Recorder_Stop, params);
-    } else if (player_IsPlaying() != 0) {
+    } else if (Player->isPlaying()) {
         Send(core::Msg_Player_Stop, params);
     }
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 namespace velmora::audio {
+class AudioPlayer_Class;
 class MasterVolume_Class;
 class Metronome_Class;
 class Recorder_Class;
@@ -41,6 +42,7 @@ public:
     ProjectFile_Class(const ProjectFile_Class&) = delete;
     ProjectFile_Class& operator=(const ProjectFile_Class&) = delete;
 
+    std::unique_ptr<audio::AudioPlayer_Class> Player;
     std::shared_ptr<core::MsgSenderClass> MsgSender;
     std::unique_ptr<MarkList_Class> Marks;
     std::unique_ptr<audio::MasterVolume_Class> MasterVolume;

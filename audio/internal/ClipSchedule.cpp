@@ -2,11 +2,11 @@
 
 #include "core/Paths.h"
 #include "core/Units.h"
+#include "engine/ClipFades.h"
 #include "engine/audioplayer.h"
 #include "soundlayer/soundlayer.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace velmora::audio {
@@ -18,41 +18,9 @@ constexpr std::size_t kMostOpen = 256;
 constexpr std::int32_t kGainPriority = -1000;
 constexpr std::uint64_t kFrameBytes = 4;
 
-/// The gain's factor x 10000, cut.
-SOUND_USER GainUserValue(double factor)
+engine::ClipFades FadesOf(const ExportClip& clip)
 {
-    constexpr double kGreatest = std::numeric_limits<std::int32_t>::max();
-    return static_cast<SOUND_USER>(factor > 0 ? std::min(factor * 10000, kGreatest) : 0);
-}
-
-std::int64_t FadeStepAtOrAfter(std::int64_t timeMS)
-{
-    return (timeMS + kFadeStepMS - 1) / kFadeStepMS * kFadeStepMS;
-}
-
-float VolumeAt(const ExportClip& clip, std::int64_t timeMS)
-{
-    const std::int64_t sinceBegin = timeMS - clip.beginMS;
-    if (clip.fadeOutStartMS > 0 && sinceBegin > clip.fadeOutStartMS) {
-        const auto fadeLength = static_cast<double>(clip.endMS - clip.beginMS - clip.fadeOutStartMS);
-        return static_cast<float>(1 - static_cast<double>(sinceBegin - clip.fadeOutStartMS) / fadeLength);
-    }
-    if (clip.fadeInEndMS > 0 && sinceBegin < clip.fadeInEndMS) {
-        return static_cast<float>(static_cast<double>(sinceBegin) / clip.fadeInEndMS);
-    }
-    return 1;
-}
-
-std::int64_t NextFadeStep(const ExportClip& clip, std::int64_t timeMS)
-{
-    const bool fadingIn = clip.fadeInEndMS > 0 && timeMS - clip.beginMS < clip.fadeInEndMS;
-    if (fadingIn) {
-        return FadeStepAtOrAfter(timeMS + 1);
-    }
-    if (clip.fadeOutStartMS > 0) {
-        return FadeStepAtOrAfter(std::max(timeMS, clip.beginMS + clip.fadeOutStartMS) + 1);
-    }
-    return std::numeric_limits<std::int64_t>::max();
+    return {clip.beginMS, clip.endMS, clip.fadeInEndMS, clip.fadeOutStartMS};
 }
 
 } // namespace
@@ -112,8 +80,8 @@ void ClipSchedule::Open(std::size_t index)
     BASS_ChannelSetPosition(stream, static_cast<std::uint64_t>(std::max(fileFrame, std::int64_t{0})) * kFrameBytes,
                             BASS_POS_BYTE);
     if (clip.gainFactor != 1.0) {
-        BASS_ChannelSetDSP(stream, reinterpret_cast<DSPPROC*>(get_GainDSP_memaddress()), GainUserValue(clip.gainFactor),
-                           kGainPriority);
+        BASS_ChannelSetDSP(stream, reinterpret_cast<DSPPROC*>(get_GainDSP_memaddress()),
+                           engine::GainUserValue(clip.gainFactor), kGainPriority);
     }
     m_streams[index] = stream;
 }
@@ -129,7 +97,7 @@ void ClipSchedule::Start(std::size_t index, std::int64_t timeMS)
         return;
     }
     const ExportClip& clip = m_clips[index];
-    const float volume = VolumeAt(clip, timeMS);
+    const float volume = engine::VolumeAt(FadesOf(clip), timeMS);
     BASS_ChannelSetAttribute(stream, BASS_ATTRIB_VOL, volume);
     m_sounding.push_back({&clip, stream, volume});
     BASS_Mixer_StreamAddChannel(clip.mixer, stream, 0);
@@ -148,7 +116,7 @@ void ClipSchedule::EndOrFade(std::int64_t timeMS)
         return;
     }
     for (Sounding& sounding : m_sounding) {
-        const float volume = VolumeAt(*sounding.clip, timeMS);
+        const float volume = engine::VolumeAt(FadesOf(*sounding.clip), timeMS);
         if (volume != sounding.volume) {
             BASS_ChannelSetAttribute(sounding.stream, BASS_ATTRIB_VOL, volume);
             sounding.volume = volume;
@@ -161,7 +129,7 @@ void ClipSchedule::FindNextChange(std::int64_t timeMS)
     m_nextChangeMS = m_nextToStart < m_clips.size() ? m_clips[m_nextToStart].beginMS : m_endMS;
     for (const Sounding& sounding : m_sounding) {
         const ExportClip& clip = *sounding.clip;
-        m_nextChangeMS = std::min({m_nextChangeMS, clip.endMS, NextFadeStep(clip, timeMS)});
+        m_nextChangeMS = std::min({m_nextChangeMS, clip.endMS, engine::NextFadeStep(FadesOf(clip), timeMS)});
     }
 }
 

@@ -1,5 +1,6 @@
 #include "audio/internal/ExportGuards.h"
 
+#include "audio/AudioPlayer_Class.h"
 #include "core/MsgIds.h"
 #include "core/TextUtilities.h"
 #include "core/Units.h"
@@ -65,6 +66,17 @@ void LiveMonitoringPause::Begin()
 {
     core::MsgParametersClass params;
     m_project.MsgSender->SendMsg(kNoSender, core::Msg_AllChannelsLiveOff, params);
+}
+
+AutoStopPause::AutoStopPause(project::ProjectFile_Class& project)
+    : m_project(project)
+{
+    m_project.Player->Cursor.AutoStopEnabled = false;
+}
+
+AutoStopPause::~AutoStopPause()
+{
+    m_project.Player->Cursor.AutoStopEnabled = true;
 }
 
 MeteredStream::MeteredStream(std::uint32_t stream)

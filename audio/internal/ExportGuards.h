@@ -39,6 +39,19 @@ private:
     std::vector<core::ClassID> m_live;
 };
 
+/// Playback does not stop by itself. The engine's own clips need no care: with the clock held they wait in the mixers,
+/// neither heard nor advanced.
+class AutoStopPause {
+public:
+    explicit AutoStopPause(project::ProjectFile_Class& project);
+    ~AutoStopPause();
+    AutoStopPause(const AutoStopPause&) = delete;
+    AutoStopPause& operator=(const AutoStopPause&) = delete;
+
+private:
+    project::ProjectFile_Class& m_project;
+};
+
 /// The level of a stream, metered.
 class MeteredStream {
 public:
