@@ -1,0 +1,103 @@
+"""The same mix as command lines of other programs, each in the fastest form that we found for it."""
+
+import functools
+import os
+import shutil
+
+import velmora_project
+from velmora_project import decode, write_wav
+
+probe = functools.lru_cache(maxsize=None)(velmora_project.probe)
+
+RATE = 44100
+
+
+def ffmpeg_command(project, folder, out):
+    """One seeking input per clip; each channel is one chain of clips and gaps, so that nothing is summed but the ten
+    channels. Each clip is cut to its frames, or what a seek misses would shift all that follows."""
+    command = ["ffmpeg", "-v", "error", "-nostdin", "-y"]
+    graph = []
+    names = []
+    source = 0
+    for number, channel in enumerate(project.channels):
+        parts = []
+        position = 0
+        for clip in sorted(channel.clips, key=lambda one: one.time):
+            path = os.path.join(folder, clip.file)
+            command += ["-ss", f"{clip.start / 1000:.3f}", "-t", f"{clip.length / 1000:.3f}", "-i", path]
+            first, end = clip.time * RATE // 1000, (clip.time + clip.length) * RATE // 1000
+            mono = probe(path, "channels") == "1"
+            steps = [f"aresample={RATE}", "pan=stereo|c0=c0|c1=c0" if mono else "aformat=sample_fmts=fltp"]
+            if clip.gain != 1:
+                steps.append(f"volume={clip.gain}")
+            if clip.fade_in > 0:
+                steps.append(f"afade=t=in:d={clip.fade_in / 1000}")
+            if clip.fade_out > 0:
+                steps.append(f"afade=t=out:st={clip.fade_out / 1000}:d={(clip.length - clip.fade_out) / 1000}")
+            steps.append(f"apad=whole_len={end - first},atrim=end_sample={end - first}")
+            if first > position:
+                steps.append(f"adelay={first - position}S:all=1")
+            graph.append(f"[{source}:a]{','.join(steps)}[c{source}]")
+            parts.append(f"[c{source}]")
+            position = end
+            source += 1
+        left, right = pan_factors(channel)
+        graph.append(f"{''.join(parts)}concat=n={len(parts)}:v=0:a=1,"
+                     f"pan=stereo|c0={left:.6f}*c0|c1={right:.6f}*c1[m{number}]")
+        names.append(f"[m{number}]")
+    graph.append(f"{''.join(names)}amix=inputs={len(names)}:normalize=0:duration=longest[out]")
+    return command + ["-filter_complex", ";".join(graph), "-map", "[out]", "-c:a", "pcm_s16le", out]
+
+
+def pan_factors(channel):
+    """What the channel's volume and balance make of the left and of the right side."""
+    volume = channel.volume / 100 * 2 ** (channel.gain / 6)
+    pan = channel.pan / 100
+    return volume * (1 - max(pan, 0)), volume * (1 + min(pan, 0))
+
+
+def ecasound_files(folder, into):
+    """Copies for ecasound, which reads no WMA: those as WAV, decoded by ffmpeg. What that takes is not counted."""
+    os.makedirs(into, exist_ok=True)
+    for name in sorted(os.listdir(folder)):
+        if name.endswith(".wma"):
+            target = os.path.join(into, name + ".wav")
+            if not os.path.exists(target):
+                path = os.path.join(folder, name)
+                write_wav(target, decode(path), int(probe(path, "sample_rate")))
+        elif name.endswith((".wav", ".mp3")):
+            target = os.path.join(into, name)
+            if not os.path.exists(target):
+                shutil.copyfile(os.path.join(folder, name), target)
+
+
+def ecasound_command(project, folder, out, resampler="resample", buffer=1024):
+    """One chain per clip, which carries all factors of its clip and of its channel multiplied beforehand."""
+    command = ["ecasound", "-q", "-D", f"-b:{buffer}", "-z:nodb", "-z:mixmode,sum", f"-f:s16_le,2,{RATE}"]
+    chains = []
+    for channel in project.channels:
+        left, right = pan_factors(channel)
+        for clip in channel.clips:
+            name = clip.file + ".wav" if clip.file.endswith(".wma") else clip.file
+            path = os.path.join(folder, name)
+            rate, channels = int(probe(path, "sample_rate")), int(probe(path, "channels"))
+            # Its own MP3 object runs an external program and seeks by guess; the type of another ending makes it
+            # read through libsndfile.
+            source = f"typeselect,.flac,{path}" if name.endswith(".mp3") else path
+            if rate != RATE:
+                source = f"{resampler},auto,{source}"
+            source = f"playat,{clip.time / 1000},select,{clip.start / 1000},{clip.length / 1000},{source}"
+            chain = f"c{len(chains)}"
+            chains.append(chain)
+            command += [f"-a:{chain}", f"-i:{source}"]
+            if channels == 1:
+                command.append("-chcopy:1,2")
+            faded = [(f"{100 * clip.gain * left}", "1"), (f"{100 * clip.gain * right}", "2")]
+            command += [f"-eac:{factor},{side}" for factor, side in faded]
+            start, end = clip.time / 1000, (clip.time + clip.length) / 1000
+            if clip.fade_in > 0:
+                command += ["-ea:100", f"-kl2:1,0,100,{start},{clip.fade_in / 1000}"]
+            if clip.fade_out > 0:
+                command += ["-ea:100",
+                            f"-kl2:1,100,0,{start + clip.fade_out / 1000},{(clip.length - clip.fade_out) / 1000}"]
+    return command + [f"-a:{','.join(chains)}", f"-o:{out}"]

@@ -1,0 +1,10 @@
+#!/bin/sh
+# Builds the release preset and prints the tables of docs/BENCHMARKS.md: bench/run.sh [ROUNDS]
+set -eu
+cd "$(dirname "$0")/.."
+cmake --preset release >/dev/null
+cmake --build --preset release --target velmora-render velmora-decode-bench velmora-load-bench velmora-bus-bench
+python=python3
+/usr/bin/python3 -c 'import numpy' 2>/dev/null && python=/usr/bin/python3
+"$python" -B bench/bench.py build/release/bin build/bench "${1:-3}"
+build/release/bin/velmora-bus-bench
