@@ -26,6 +26,9 @@ bool FileStream::SetPosition(GraphEdits& edits, std::int64_t frame, bool soundin
     const std::int64_t target = std::clamp<std::int64_t>(frame, 0, m_length);
     if (!sounding) {
         m_buffer->Seek(target);
+        if (!m_workers.Alone()) {
+            m_buffer->Request();
+        }
         return true;
     }
     std::unique_ptr<FrameSource> source = m_reopen();
