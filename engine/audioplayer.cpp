@@ -38,6 +38,7 @@ void safeRtlCopyMemory(void* dest, const void* src, int32_t length, int32_t)
 void ClearChannelList(void)
 {
     Engine::Get().planner.Edit([](EngineTables& tables) { tables.ClearChannels(); });
+    velmora::engine::Levels().Clear();
 }
 
 void ClearEventList(void)

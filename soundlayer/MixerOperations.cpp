@@ -93,3 +93,14 @@ void Sound_EndEdit(void)
         return 0;
     });
 }
+
+void Sound_Retire(SOUND_RELEASEPROC* release, SOUND_USER user)
+{
+    Operation(0, [&] {
+        // The edits keep it alive; what it points at is not looked at.
+        const void* const nothing = nullptr;
+        Library::Get().edits.Retire(
+            std::shared_ptr<const void>(nothing, [release, user](const void*) { release(user); }));
+        return 0;
+    });
+}

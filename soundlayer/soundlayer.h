@@ -31,6 +31,8 @@ typedef uint32_t STREAMPROC(HSTREAM stream, void* buffer, uint32_t length, SOUND
 /// Called before each block of the device; `frames` are wanted. Says how many to mix now, at least 1 and at most
 /// `frames`, so that a block ends where something is to happen. [RT]
 typedef uint32_t SOUND_HEARTBEATPROC(uint32_t frames, SOUND_USER user);
+/// Lets go of what `user` stands for; calls no operation.
+typedef void SOUND_RELEASEPROC(SOUND_USER user);
 
 #define BASS_OK 0
 #define BASS_ERROR_MEM 1
@@ -185,6 +187,9 @@ SOUND_API int Sound_SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user);
 /// Edits between begin and end reach the mixing thread together. Calls may nest.
 SOUND_API void Sound_BeginEdit(void);
 SOUND_API void Sound_EndEdit(void);
+/// Calls `release` once all edits so far are in force and no block under way can still use what they removed; that is
+/// after `Sound_EndEdit` when called within an edit. On a thread that operates, never on the mixing thread.
+SOUND_API void Sound_Retire(SOUND_RELEASEPROC* release, SOUND_USER user);
 /// Frames that the device asked for in vain since it was started.
 SOUND_API uint64_t Sound_MissedFrames(void);
 

@@ -11,63 +11,76 @@ StereoLevel MeasureRms(std::span<const std::int16_t> interleaved)
     if (frames == 0) {
         return {};
     }
-    // Two sums for each side, side by side, become vector code. A 64-bit float holds the squares of 2^23 full-scale
-    // frames exactly.
-    double sums[4] = {};
-    const std::int16_t* samples = interleaved.data();
-    std::size_t i = 0;
-    for (; i + 4 <= 2 * frames; i += 4) {
-        for (std::size_t k = 0; k < 4; ++k) {
-            const auto sample = static_cast<double>(samples[i + k]);
-            sums[k] += sample * sample;
-        }
+    // 64 bits hold the squares of 2^33 full-scale frames, so no block overflows.
+    std::int64_t left = 0;
+    std::int64_t right = 0;
+    for (std::size_t i = 0; i < 2 * frames; i += 2) {
+        left += interleaved[i] * interleaved[i];
+        right += interleaved[i + 1] * interleaved[i + 1];
     }
-    for (; i < 2 * frames; ++i) {
-        const auto sample = static_cast<double>(samples[i]);
-        sums[i % 4] += sample * sample;
-    }
-    const auto rms = [frames](double squares) {
-        return static_cast<std::int32_t>(std::sqrt(squares / static_cast<double>(frames)));
+    const auto rms = [frames](std::int64_t squares) {
+        return static_cast<std::int32_t>(std::sqrt(static_cast<double>(squares) / static_cast<double>(frames)));
     };
-    return {rms(sums[0] + sums[2]), rms(sums[1] + sums[3])};
+    return {rms(left), rms(right)};
 }
+
+namespace {
+
+/// Slot: the handle above, then 16 bits for each side, which hold 0..32768.
+std::uint64_t Pack(std::uint32_t handle, StereoLevel level)
+{
+    const auto side = [](std::int32_t value) { return static_cast<std::uint64_t>(std::clamp(value, 0, 65535)); };
+    return std::uint64_t{handle} << 32 | side(level.left) << 16 | side(level.right);
+}
+
+std::uint32_t HandleOf(std::uint64_t slot)
+{
+    return static_cast<std::uint32_t>(slot >> 32);
+}
+
+StereoLevel LevelOf(std::uint64_t slot)
+{
+    return {static_cast<std::int32_t>(slot >> 16 & 0xFFFF), static_cast<std::int32_t>(slot & 0xFFFF)};
+}
+
+} // namespace
 
 void LevelStore::Store(std::uint32_t handle, StereoLevel level)
 {
     if (handle == 0) {
         return;
     }
-    // The mixing thread is the only writer: a free slot found here is still free when it is taken.
-    const auto slot = std::ranges::find_if(m_slots, [handle](const Slot& s) {
-        const std::uint32_t owner = s.handle.load(std::memory_order_relaxed);
-        return owner == handle || owner == 0;
-    });
-    if (slot == m_slots.end()) {
-        return;
+    const std::uint64_t wanted = Pack(handle, level);
+    for (Slot& slot : m_slots) {
+        std::uint64_t held = slot.load(std::memory_order_relaxed);
+        // Tried again when the slot was cleared meanwhile, and left when another stream took it.
+        while (HandleOf(held) == handle || held == 0) {
+            if (slot.compare_exchange_weak(held, wanted, std::memory_order_relaxed)) {
+                return;
+            }
+        }
     }
-    slot->level.store(level, std::memory_order_relaxed);
-    slot->handle.store(handle, std::memory_order_release);
 }
 
 StereoLevel LevelStore::Read(std::uint32_t handle) const
 {
-    const Slot* slot = handle == 0 ? nullptr : Find(handle);
-    return slot ? slot->level.load(std::memory_order_relaxed) : StereoLevel{};
+    if (handle == 0) {
+        return {};
+    }
+    for (const Slot& slot : m_slots) {
+        const std::uint64_t held = slot.load(std::memory_order_relaxed);
+        if (HandleOf(held) == handle) {
+            return LevelOf(held);
+        }
+    }
+    return {};
 }
 
 void LevelStore::Clear()
 {
     for (Slot& slot : m_slots) {
-        slot.handle.store(0, std::memory_order_relaxed);
-        slot.level.store({}, std::memory_order_relaxed);
+        slot.store(0, std::memory_order_relaxed);
     }
-}
-
-const LevelStore::Slot* LevelStore::Find(std::uint32_t handle) const
-{
-    const auto slot = std::ranges::find_if(
-        m_slots, [handle](const Slot& s) { return s.handle.load(std::memory_order_acquire) == handle; });
-    return slot == m_slots.end() ? nullptr : &*slot;
 }
 
 } // namespace velmora::engine

@@ -13,8 +13,11 @@ namespace velmora::engine {
 /// Hands every block of a source stream to any number of destination streams, whichever of them is read first.
 ///
 /// What one destination has read waits in a ring for the others; a destination that falls more than `kRingFrames`
-/// behind loses the oldest. A destination begins with the block that is read next after its making. Sources and
-/// destinations may go in any order: without its source a destination is silent.
+/// behind loses the oldest. A destination begins with what is read next after its making. A mono source is heard on
+/// both sides; rates are not converted, so a destination's rate is to be its source's.
+///
+/// Sources and destinations may go in any order: without its source a destination is silent. Within an edit of the
+/// graph, what is removed goes on until that edit is in force, so that the old graph sounds until the new one does.
 ///
 /// Threads: the interface thread adds and removes; one thread at a time pulls the destinations of a source.
 class StreamCopier {
@@ -36,12 +39,14 @@ public:
 
 private:
     struct Source {
+        /// 0 once it was removed.
         std::atomic<HSTREAM> stream{0};
+        std::size_t channels = 2;
         std::vector<std::int16_t> ring = std::vector<std::int16_t>(2 * kRingFrames);
         std::atomic<std::uint64_t> written{0};
 
-        /// Reads `frames` more from the stream into the ring; how many came. [RT]
-        std::size_t Read(std::size_t frames);
+        /// Reads `frames` more from the stream into the ring, as far as they come. [RT]
+        void Read(std::size_t frames);
     };
     struct Destination {
         std::shared_ptr<Source> source;

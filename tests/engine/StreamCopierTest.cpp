@@ -74,6 +74,56 @@ TEST(StreamCopier, EveryDestinationGetsEveryFrameInWhateverBlocks)
     BASS_StreamFree(source);
 }
 
+TEST(StreamCopier, GoesOnUntilTheEditThatRemovesItIsInForce)
+{
+    std::int16_t next = 0;
+    const HSTREAM source =
+        BASS_StreamCreate(44'100, 2, BASS_STREAM_DECODE, &Count, reinterpret_cast<SOUND_USER>(&next));
+    const HSTREAM mixer = BASS_Mixer_StreamCreate(44'100, 2, BASS_STREAM_DECODE | BASS_MIXER_NONSTOP);
+    const auto start = [&] {
+        EXPECT_NE(StreamCopy_AddSourceStream(source, 44'100), 0);
+        const HSTREAM copy = StreamCopy_AddDestStream(source, 44'100, 0x200010);
+        EXPECT_NE(BASS_Mixer_StreamAddChannel(mixer, copy, 0), 0);
+        return copy;
+    };
+    HSTREAM copy = start();
+    EXPECT_EQ(Read(mixer, 100).back(), -99);
+
+    Sound_BeginEdit();
+    StreamCopy_RemoveDestStream(copy);
+    StreamCopy_RemoveSourceStream(source);
+    EXPECT_EQ(Read(mixer, 100).back(), -199) << "the old graph sounds while the new one is being made";
+    copy = start();
+    EXPECT_EQ(Read(mixer, 100).back(), -299);
+    Sound_EndEdit();
+    EXPECT_EQ(Read(mixer, 100).back(), -399) << "no frame is lost or heard twice";
+
+    StreamCopy_RemoveDestStream(copy);
+    StreamCopy_RemoveSourceStream(source);
+    EXPECT_EQ(Read(mixer, 100), std::vector<std::int16_t>(200, 0));
+    BASS_StreamFree(mixer);
+    BASS_StreamFree(source);
+}
+
+TEST(StreamCopier, MonoIsHeardOnBothSides)
+{
+    const auto ramp = [](HSTREAM, void* buffer, std::uint32_t length, SOUND_USER user) {
+        auto& next = *reinterpret_cast<std::int16_t*>(user);
+        for (std::uint32_t i = 0; i < length / 2; ++i) {
+            static_cast<std::int16_t*>(buffer)[i] = next++;
+        }
+        return length;
+    };
+    std::int16_t next = 1;
+    const HSTREAM source = BASS_StreamCreate(44'100, 1, BASS_STREAM_DECODE, ramp, reinterpret_cast<SOUND_USER>(&next));
+    ASSERT_NE(StreamCopy_AddSourceStream(source, 44'100), 0);
+    const HSTREAM copy = StreamCopy_AddDestStream(source, 44'100, 0x200010);
+    EXPECT_EQ(Read(copy, 3), (std::vector<std::int16_t>{1, 1, 2, 2, 3, 3}));
+    StreamCopy_RemoveDestStream(copy);
+    StreamCopy_RemoveSourceStream(source);
+    BASS_StreamFree(source);
+}
+
 TEST(StreamCopier, RefusesWhatIsNoStream)
 {
     EXPECT_EQ(StreamCopy_AddSourceStream(0xBADBAD, 44'100), 0);
