@@ -150,8 +150,9 @@ void CodedFile::PlaceFrame()
     const std::int64_t count = m_frame->nb_samples;
     m_frameStart = m_span.start + m_spanDone;
     // After damage a WMA block lacks its first frame, which began in the block before.
-    const bool oneBlock = m_index->isWma && m_packetBytes == m_index->parameters->block_align;
-    if (oneBlock && m_spanDone == 0) {
+    const AVCodecParameters& codec = *m_index->parameters;
+    const bool isWma = codec.codec_id == AV_CODEC_ID_WMAV1 || codec.codec_id == AV_CODEC_ID_WMAV2;
+    if (isWma && m_packetBytes == codec.block_align && m_spanDone == 0) {
         m_frameStart = std::max(m_frameStart, m_span.end - count);
     }
     m_frameEnd = std::min(m_frameStart + count, m_span.end);

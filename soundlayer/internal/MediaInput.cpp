@@ -121,29 +121,29 @@ bool MediaInput::SeekToStamp(std::int64_t stamp)
     return av_seek_frame(m_format.get(), m_stream, stamp, AVSEEK_FLAG_BACKWARD) >= 0;
 }
 
-int MediaInput::ReadBytes(void* opaque, std::uint8_t* to, int count)
+int MediaInput::ReadBytes(void* from, std::uint8_t* to, int count)
 {
-    auto& cursor = *static_cast<Cursor*>(opaque);
+    auto& cursor = *static_cast<Cursor*>(from);
     const std::size_t got =
         cursor.file->ReadAt(cursor.position, {reinterpret_cast<std::byte*>(to), static_cast<std::size_t>(count)});
     cursor.position += static_cast<std::int64_t>(got);
     return got == 0 ? AVERROR_EOF : static_cast<int>(got);
 }
 
-std::int64_t MediaInput::SeekBytes(void* opaque, std::int64_t offset, int whence)
+std::int64_t MediaInput::SeekBytes(void* in, std::int64_t offset, int whence)
 {
-    auto& cursor = *static_cast<Cursor*>(opaque);
+    auto& cursor = *static_cast<Cursor*>(in);
     if (whence == AVSEEK_SIZE) {
         return cursor.file->Size();
     }
-    std::int64_t from = 0;
+    std::int64_t base = 0;
     if ((whence & ~AVSEEK_FORCE) == SEEK_CUR) {
-        from = cursor.position;
+        base = cursor.position;
     } else if ((whence & ~AVSEEK_FORCE) == SEEK_END) {
-        from = cursor.file->Size();
+        base = cursor.file->Size();
     }
     std::int64_t target = 0;
-    if (__builtin_add_overflow(from, offset, &target) || target < 0) {
+    if (__builtin_add_overflow(base, offset, &target) || target < 0) {
         return AVERROR(EINVAL);
     }
     return cursor.position = target;

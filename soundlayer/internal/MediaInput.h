@@ -37,8 +37,8 @@ private:
         std::int64_t position = 0;
     };
     MediaInput() = default;
-    static int ReadBytes(void* cursor, std::uint8_t* to, int count);
-    static std::int64_t SeekBytes(void* cursor, std::int64_t offset, int whence);
+    static int ReadBytes(void* from, std::uint8_t* to, int count);
+    static std::int64_t SeekBytes(void* in, std::int64_t offset, int whence);
 
     // In this order: the format reads through the context, which reads through the cursor.
     Cursor m_cursor;

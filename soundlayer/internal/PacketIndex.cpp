@@ -32,8 +32,13 @@ Preroll PrerollOf(AVCodecID codec)
     case AV_CODEC_ID_FLAC:
     case AV_CODEC_ID_ALAC:
         return {};
+    case AV_CODEC_ID_AAC:
+    case AV_CODEC_ID_WMAV1:
+    case AV_CODEC_ID_WMAV2:
+        return {.packets = 3};
     default:
-        return {.packets = av_get_exact_bits_per_sample(codec) > 0 ? 0U : 3U};
+        // Those that predict from what came before forget slowly.
+        return {.packets = av_get_exact_bits_per_sample(codec) > 0 ? 0U : 50U};
     }
 }
 

@@ -36,7 +36,7 @@ std::shared_ptr<PacketIndexCache::Slot> PacketIndexCache::SlotOf(const Key& key)
     auto& slot = m_slots[key];
     if (!slot) {
         slot = std::make_shared<Slot>();
-        const auto current = slot;
+        std::shared_ptr<Slot> current = slot;
         std::erase_if(m_slots, [](const auto& entry) {
             if (entry.second.use_count() > 1) {
                 return false;

@@ -41,7 +41,11 @@ std::int64_t PacketLoss::Before(const PacketIndex::Packet& packet, std::optional
     } else if (stamp && m_index.access == PacketIndex::Access::ByPage) {
         lost = ByPage(packet, *stamp - *m_origin - end, end);
     } else if (stamp && IsLoss(*stamp - *m_origin - end, end, packet)) {
-        lost = (*stamp - *m_origin - end + m_wholeFrames / 2) / m_wholeFrames * m_wholeFrames;
+        // Stamps may be coarse, but whole packets are lost, and those of most formats are alike.
+        const PacketIndex::Packet& last = m_index.packets.back();
+        const std::int64_t alike = last.count > 0 && last.count == packet.count ? last.count : 1;
+        const std::int64_t unit = m_wholeFrames > 1 ? m_wholeFrames : alike;
+        lost = (*stamp - *m_origin - end + unit / 2) / unit * unit;
     }
     m_bytes += packet.size;
     return lost;

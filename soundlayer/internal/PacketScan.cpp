@@ -58,8 +58,8 @@ private:
 
     bool ReadFacts();
     void MeasureByStamps();
-    /// The end of the last packet from `stamp` on, in samples; nothing if there is none.
-    std::optional<std::int64_t> EndFrom(std::int64_t stamp);
+    /// The end, in samples, of the last packet that `input` still gives; nothing if there is none.
+    std::optional<std::int64_t> EndOf(MediaInput& input);
     void WalkPackets();
     bool AddPacket(SampleCounter& counter, std::optional<PacketLoss>& loss);
     bool HasNewHeaders() const;
@@ -130,24 +130,25 @@ void PacketScan::MeasureByStamps()
     m_index->access = Access::NoIndex;
     const std::int64_t declared = m_input.Stream().duration;
     std::optional<std::int64_t> end;
-    if (declared > 0) {
-        end = EndFrom(declared - 1);
+    if (declared > 0 && m_input.SeekToStamp(declared - 1)) {
+        end = EndOf(m_input);
     }
     if (!end) {
-        end = EndFrom(0);
+        // Very short files cannot be sought in, and a failed seek leaves nothing to read.
+        const auto fresh = MediaInput::Open(m_file);
+        if (fresh && fresh->ChooseStream(m_index->streamIndex)) {
+            end = EndOf(*fresh);
+        }
     }
     // A frame of at least 8 bytes holds at most 65535 samples: no stamp is believed beyond that.
     const std::int64_t most = (m_file->Size() / 8 + 1) * 65535;
     m_index->length = std::clamp<std::int64_t>(end.value_or(0), 0, most);
 }
 
-std::optional<std::int64_t> PacketScan::EndFrom(std::int64_t stamp)
+std::optional<std::int64_t> PacketScan::EndOf(MediaInput& input)
 {
-    if (!m_input.SeekToStamp(stamp)) {
-        return std::nullopt;
-    }
     std::optional<std::int64_t> end;
-    while (m_input.Read(*m_packet)) {
+    while (input.Read(*m_packet)) {
         if (m_packet->pts != AV_NOPTS_VALUE) {
             end = ToSamples(m_packet->pts) + ToSamples(m_packet->duration);
         }
@@ -160,7 +161,8 @@ void PacketScan::WalkPackets()
     const bool inOgg = m_input.IsFormat("ogg");
     m_index->access = inOgg ? Access::ByPage : m_index->isWma ? Access::ByStamp : Access::Direct;
     const AVStream& stream = m_input.Stream();
-    SampleCounter counter(stream, inOgg);
+    const bool coarse = av_cmp_q(stream.time_base, {1, static_cast<int>(m_index->rate)}) > 0;
+    SampleCounter counter(stream, inOgg, coarse ? OpenDecoder(*m_index) : nullptr);
     const bool guessed = m_input.Format().duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
     const std::int64_t declared = stream.duration == AV_NOPTS_VALUE || guessed ? 0 : ToSamples(stream.duration);
     // A container whose tables place the packets has no holes: what lies between them is something else.
@@ -168,7 +170,7 @@ void PacketScan::WalkPackets()
     const bool mayLose = inOgg || m_index->isWma || m_isBare;
     std::optional<PacketLoss> loss;
     if (mayLose) {
-        loss.emplace(*m_index, m_file, declared, std::max<std::int64_t>(counter.Tail(), 1));
+        loss.emplace(*m_index, m_file, declared, counter.Unit());
     }
     while (m_index->packets.size() < kMostPackets && m_input.Read(*m_packet) && AddPacket(counter, loss)) {
     }

@@ -167,16 +167,21 @@ private:
 /// Packets whose time stamps are exact.
 class StampedPackets final : public PacketSource {
 public:
-    StampedPackets(std::shared_ptr<const PacketIndex> index, std::unique_ptr<MediaInput> input)
-        : m_index(std::move(index))
+    StampedPackets(std::shared_ptr<const FileBytes> file, std::shared_ptr<const PacketIndex> index,
+                   std::unique_ptr<MediaInput> input)
+        : m_file(std::move(file))
+        , m_index(std::move(index))
         , m_input(std::move(input))
     {
     }
 
     bool GoTo(std::int64_t sample) override
     {
-        if (!m_input->SeekToStamp(sample)) {
-            m_input->SeekToStamp(0);
+        if (!m_input || !m_input->SeekToStamp(sample)) {
+            m_input = MediaInput::Open(m_file);
+            if (m_input && !m_input->ChooseStream(m_index->streamIndex)) {
+                m_input.reset();
+            }
         }
         m_end = sample;
         return false; // each packet stands alone
@@ -184,7 +189,7 @@ public:
 
     bool Next(AVPacket& packet, Span& span) override
     {
-        if (!m_input->Read(packet)) {
+        if (!m_input || !m_input->Read(packet)) {
             return false;
         }
         const AVRational base = m_input->Stream().time_base;
@@ -195,6 +200,7 @@ public:
     }
 
 private:
+    std::shared_ptr<const FileBytes> m_file;
     std::shared_ptr<const PacketIndex> m_index;
     std::unique_ptr<MediaInput> m_input;
     std::int64_t m_end = 0;
@@ -213,7 +219,7 @@ std::unique_ptr<PacketSource> PacketSource::Open(std::shared_ptr<const FileBytes
         return nullptr;
     }
     if (index->access == Access::NoIndex) {
-        return std::make_unique<StampedPackets>(std::move(index), std::move(input));
+        return std::make_unique<StampedPackets>(std::move(file), std::move(index), std::move(input));
     }
     return std::make_unique<ContainerPackets>(std::move(file), std::move(index), std::move(input));
 }

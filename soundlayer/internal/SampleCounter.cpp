@@ -1,6 +1,7 @@
 #include "soundlayer/internal/SampleCounter.h"
 
 #include <algorithm>
+#include <utility>
 
 extern "C" {
 #include <libavcodec/vorbis_parser.h>
@@ -14,7 +15,7 @@ void SampleCounter::VorbisDeleter::operator()(AVVorbisParseContext* parser) cons
     av_vorbis_parse_free(&parser);
 }
 
-SampleCounter::SampleCounter(const AVStream& stream, bool inOgg)
+SampleCounter::SampleCounter(const AVStream& stream, bool inOgg, DecoderPtr decoder)
     : m_stream(stream)
     , m_inOgg(inOgg)
 {
@@ -35,6 +36,10 @@ SampleCounter::SampleCounter(const AVStream& stream, bool inOgg)
         const int at = version1 ? 2 : 4;
         m_wmaReservoir = codec.extradata_size >= at + 2 && (AV_RL16(codec.extradata + at) & kReservoir) != 0;
     }
+    if (decoder && m_wmaFrame == 0 && !m_vorbis) {
+        m_decoder = std::move(decoder);
+        m_frame.reset(av_frame_alloc());
+    }
 }
 
 SampleCounter::~SampleCounter() = default;
@@ -44,6 +49,8 @@ std::int64_t SampleCounter::Count(const AVPacket& packet, std::int64_t discard)
     std::int64_t count = 0;
     if (m_wmaFrame > 0) {
         count = CountWma(packet);
+    } else if (m_decoder && m_frame) {
+        count = CountDecoded(&packet);
     } else if (m_vorbis) {
         // Each packet completes the one before, so the first gives nothing; the parser must see it all the same.
         count = av_vorbis_parse_frame(m_vorbis.get(), packet.data, packet.size);
@@ -74,14 +81,29 @@ std::int64_t SampleCounter::CountWma(const AVPacket& packet)
     return std::max<std::int64_t>(frames, 0) * m_wmaFrame;
 }
 
+std::int64_t SampleCounter::CountDecoded(const AVPacket* packet)
+{
+    avcodec_send_packet(m_decoder.get(), packet);
+    std::int64_t count = 0;
+    while (avcodec_receive_frame(m_decoder.get(), m_frame.get()) == 0) {
+        count += m_frame->nb_samples;
+    }
+    return count;
+}
+
 std::int64_t SampleCounter::Lead() const
 {
     return 2 * m_wmaFrame;
 }
 
-std::int64_t SampleCounter::Tail() const
+std::int64_t SampleCounter::Tail()
 {
-    return m_wmaFrame;
+    return m_decoder && m_frame ? CountDecoded(nullptr) : m_wmaFrame;
+}
+
+std::int64_t SampleCounter::Unit() const
+{
+    return std::max<std::int64_t>(m_wmaFrame, 1);
 }
 
 } // namespace velmora::soundlayer

@@ -5,7 +5,10 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
+#include <latch>
 #include <random>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -63,6 +66,7 @@ constexpr Format kFormats[] = {
     {.name = "Alac", .ending = "m4a", .options = "-c:a alac", .lossless = true},
     {.name = "Aiff", .ending = "aiff", .options = "", .lossless = true},
     {.name = "W64", .ending = "w64", .options = "-c:a pcm_s24le"},
+    {.name = "Mp3InAsf", .ending = "asf", .options = "-c:a mp3 -b:a 96k", .slack = kUnmarked},
     {.name = "Adpcm", .ending = "wav", .options = "-c:a adpcm_ima_wav", .slack = kUnmarked},
 };
 
@@ -172,10 +176,11 @@ TEST_P(CodedFormat, KeepsTimeBehindDamage)
     WriteFile(m_path, bytes);
 
     const auto file = OpenOrThrow(m_path);
-    EXPECT_NEAR(static_cast<double>(file->LengthFrames()), static_cast<double>(all.size() / channels), 1200);
+    const auto frames = static_cast<std::int64_t>(all.size() / channels);
+    EXPECT_LE(std::abs(file->LengthFrames() - frames), 1200);
     const std::int64_t behind = std::int64_t{GetParam().rate} * (kSeconds - 1);
-    const std::size_t frames = GetParam().rate * 9 / 10;
-    EXPECT_EQ(ReadAt(*file, behind, frames), Cut(all, channels, behind, frames));
+    const std::size_t most = GetParam().rate * 9 / 10;
+    EXPECT_EQ(ReadAt(*file, behind, most), Cut(all, channels, behind, most));
     EXPECT_EQ(ReadAt(*file, 1000, 1000), Cut(all, channels, 1000, 1000));
 }
 
@@ -193,8 +198,37 @@ TEST(AudioFile, LinesUpWithWhatOurOwnWmaEncoderWasGiven)
         const Samples all = ReadAll(*file);
         ASSERT_EQ(all.size(), music.size());
         EXPECT_EQ(LagOf(all, music, format.channels, 600), 0);
-        const std::size_t end = format.rate * 3 / 2 - 2000;
+        const std::int64_t end = format.rate * 3 / 2 - 2000;
         EXPECT_GT(SignalToNoise(Cut(music, format.channels, end, 2000), Cut(all, format.channels, end, 2000)), 10);
+    }
+}
+
+TEST(AudioFile, IsReadByManyThreadsAtOnce)
+{
+    const TemporaryFolder folder;
+    WriteFile(folder.Posix() / "a.wav", Wav(Music(44100, 2, 60000), 44100, 2));
+    for (const char* name : {"a.mp3", "a.ogg", "a.wma", "a.flac"}) {
+        const auto path = folder.Posix() / name;
+        Encode(folder.Posix() / "a.wav", "", path);
+        std::latch start(4);
+        std::vector<Samples> read(4);
+        std::vector<std::thread> threads;
+        threads.reserve(4);
+        for (std::size_t i = 0; i < 4; ++i) {
+            threads.emplace_back([&, i] {
+                start.arrive_and_wait();
+                OpenResult result = OpenResult::Ok;
+                const auto file = AudioFile::Open(path.native(), result);
+                read[i] = ReadAt(*file, static_cast<std::int64_t>(i) * 10000, 9000);
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        const Samples all = ReadAll(path);
+        for (std::size_t i = 0; i < 4; ++i) {
+            EXPECT_EQ(read[i], Cut(all, 2, static_cast<std::int64_t>(i) * 10000, 9000)) << name;
+        }
     }
 }
 

@@ -3,9 +3,11 @@
 #include "tests/soundlayer/TestAudio.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <algorithm>
 #include <atomic>
 #include <latch>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -45,6 +47,7 @@ TEST_F(PacketIndexCacheTest, MakesOneIndexForAllWhoAskAtOnce)
     std::latch start(kThreads);
     std::vector<std::shared_ptr<const PacketIndex>> got(kThreads);
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (auto& index : got) {
         threads.emplace_back([&] {
             start.arrive_and_wait();
