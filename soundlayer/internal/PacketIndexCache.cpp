@@ -1,7 +1,5 @@
 #include "soundlayer/internal/PacketIndexCache.h"
 
-#include <algorithm>
-
 namespace velmora::soundlayer {
 
 PacketIndexCache::PacketIndexCache(std::size_t keptBytes)
@@ -17,41 +15,42 @@ PacketIndexCache& PacketIndexCache::Shared()
 
 std::shared_ptr<const PacketIndex> PacketIndexCache::Get(const FileBytes& file, const Maker& make)
 {
-    const std::shared_ptr<Slot> slot = SlotOf({file.Name(), file.Size(), file.Modified()});
-    const std::lock_guard lock(slot->making);
-    std::shared_ptr<const PacketIndex> index = slot->index.lock();
-    if (!index) {
-        index = make();
-        slot->index = index;
-    }
-    if (index) {
+    const Key key{file.Name(), file.Size(), file.Modified()};
+    std::unique_lock lock(m_mutex);
+    // Looked up anew after each wait: another may have dropped the slot meanwhile.
+    m_made.wait(lock, [&] { return !m_slots[key].beingMade; });
+    if (auto index = m_slots[key].index.lock()) {
         Keep(index);
+        return index;
     }
+    m_slots[key].beingMade = true;
+    lock.unlock();
+    std::shared_ptr<const PacketIndex> index;
+    try {
+        index = make();
+    } catch (...) {
+        Enter(key, nullptr);
+        throw;
+    }
+    Enter(key, index);
     return index;
 }
 
-std::shared_ptr<PacketIndexCache::Slot> PacketIndexCache::SlotOf(const Key& key)
+void PacketIndexCache::Enter(const Key& key, const std::shared_ptr<const PacketIndex>& index)
 {
-    const std::lock_guard lock(m_mutex);
-    auto& slot = m_slots[key];
-    if (!slot) {
-        slot = std::make_shared<Slot>();
-        std::shared_ptr<Slot> current = slot;
-        std::erase_if(m_slots, [](const auto& entry) {
-            if (entry.second.use_count() > 1) {
-                return false;
-            }
-            const std::lock_guard slotLock(entry.second->making);
-            return entry.second->index.expired();
-        });
-        return current;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_slots[key] = {index, false};
+        if (index) {
+            Keep(index);
+        }
+        std::erase_if(m_slots, [](const auto& slot) { return !slot.second.beingMade && slot.second.index.expired(); });
     }
-    return slot;
+    m_made.notify_all();
 }
 
 void PacketIndexCache::Keep(const std::shared_ptr<const PacketIndex>& index)
 {
-    const std::lock_guard lock(m_mutex);
     if (!m_recent.empty() && m_recent.back() == index) {
         return;
     }

@@ -2,6 +2,7 @@
 
 #include "soundlayer/internal/PacketIndex.h"
 
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -32,18 +33,20 @@ public:
 private:
     using Key = std::tuple<std::string, std::int64_t, std::int64_t>;
     struct Slot {
-        std::mutex making;
         std::weak_ptr<const PacketIndex> index;
+        bool beingMade = false;
     };
-
     static constexpr std::size_t kMostKept = 1000;
 
-    std::shared_ptr<Slot> SlotOf(const Key& key);
+    /// What making the index of `key` came to.
+    void Enter(const Key& key, const std::shared_ptr<const PacketIndex>& index);
+    /// Under the lock.
     void Keep(const std::shared_ptr<const PacketIndex>& index);
 
     const std::size_t m_keptBytes;
     std::mutex m_mutex;
-    std::map<Key, std::shared_ptr<Slot>> m_slots;
+    std::condition_variable m_made;
+    std::map<Key, Slot> m_slots;
     /// The latest last.
     std::deque<std::shared_ptr<const PacketIndex>> m_recent;
     std::size_t m_recentBytes = 0;
