@@ -63,7 +63,7 @@ void UTIL_XMLWrite::Add_Element(std::string_view Name, const XMLValue& Value)
 
 void UTIL_XMLWrite::Add_RawElement(std::string_view Name, std::string_view nested)
 {
-    const std::string margin(2 * static_cast<std::size_t>(std::max(Indent, 0)), ' ');
+    const std::string margin(Margin(), ' ');
     Open(Name);
     for (std::size_t lineEnd = nested.find(kLineEnd); lineEnd != std::string_view::npos;
          lineEnd = nested.find(kLineEnd)) {
@@ -77,6 +77,21 @@ void UTIL_XMLWrite::Add_RawElement(std::string_view Name, std::string_view neste
     Close(Name);
 }
 
+void UTIL_XMLWrite::Add_RawElement(std::string_view Name, const SharedText& nested)
+{
+    Open(Name);
+    Inset(nested, Margin());
+    m_body += kLineEnd;
+    m_body.append(Margin(), ' ');
+    Close(Name);
+}
+
+void UTIL_XMLWrite::Add_Elements(const SharedText& elements)
+{
+    Inset(elements, 0);
+    m_elementAdded = true;
+}
+
 void UTIL_XMLWrite::Add_EmptyElement(std::string_view Name)
 {
     Open(Name);
@@ -85,22 +100,53 @@ void UTIL_XMLWrite::Add_EmptyElement(std::string_view Name)
 
 std::string UTIL_XMLWrite::GetXMLString() const
 {
-    if (m_masterTag.empty()) {
-        return m_body;
+    return m_insets.empty() ? Head() + m_body + Tail() : GetSharedXML().Text();
+}
+
+SharedText UTIL_XMLWrite::GetSharedXML() const
+{
+    const std::string head = Head();
+    std::vector<SharedText::Inset> insets = m_insets;
+    for (SharedText::Inset& inset : insets) {
+        inset.at += head.size();
     }
-    const std::string head = m_masterTag + ' ' + m_attributes;
-    std::string text;
-    text.reserve(m_body.size() + head.size() + m_masterTag.size() + 16);
-    text += '<';
-    text += Trimmed(head);
-    text += '>';
-    text += kLineEnd;
-    text += m_body;
-    text += "</";
-    text += m_masterTag;
-    text += '>';
-    text += kLineEnd;
-    return text;
+    return SharedText(head + m_body + Tail(), insets);
+}
+
+std::size_t UTIL_XMLWrite::Margin() const
+{
+    return 2 * static_cast<std::size_t>(std::max(Indent, 0));
+}
+
+void UTIL_XMLWrite::Inset(const SharedText& text, std::size_t margin)
+{
+    if (!text.empty()) {
+        m_insets.push_back({m_body.size(), margin, text.m_piece});
+    }
+}
+
+std::string UTIL_XMLWrite::Head() const
+{
+    std::string head;
+    if (!m_masterTag.empty()) {
+        head += '<';
+        head += Trimmed(m_masterTag + ' ' + m_attributes);
+        head += '>';
+        head += kLineEnd;
+    }
+    return head;
+}
+
+std::string UTIL_XMLWrite::Tail() const
+{
+    std::string tail;
+    if (!m_masterTag.empty()) {
+        tail += "</";
+        tail += m_masterTag;
+        tail += '>';
+        tail += kLineEnd;
+    }
+    return tail;
 }
 
 void UTIL_XMLWrite::Open(std::string_view name)

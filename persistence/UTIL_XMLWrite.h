@@ -1,9 +1,12 @@
 #pragma once
 
+#include "persistence/SharedText.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 namespace velmora::persistence {
 
@@ -31,18 +34,31 @@ public:
     void Add_Element(std::string_view Name, const XMLValue& Value);
     /// Appends an element whose value is a nested string of this language, written as it stands.
     void Add_RawElement(std::string_view Name, std::string_view nested);
+    /// The same, keeping the nested string as a piece.
+    void Add_RawElement(std::string_view Name, const SharedText& nested);
+    /// Appends elements that a writer of this `Indent` without a master tag has written.
+    void Add_Elements(const SharedText& elements);
     /// Appends an element without a value.
     void Add_EmptyElement(std::string_view Name);
 
     std::string GetXMLString() const;
+    /// The same text, sharing the pieces that were added.
+    SharedText GetSharedXML() const;
 
 private:
+    /// How far the lines of a nested string move right.
+    std::size_t Margin() const;
+    void Inset(const SharedText& text, std::size_t margin);
+    std::string Head() const;
+    std::string Tail() const;
     void Open(std::string_view name);
     void Close(std::string_view name);
 
     std::string m_masterTag;
     std::string m_attributes;
     std::string m_body;
+    /// Pieces set into the body.
+    std::vector<SharedText::Inset> m_insets;
     bool m_elementAdded = false;
 };
 
