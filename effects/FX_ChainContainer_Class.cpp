@@ -127,16 +127,16 @@ void FX_ChainContainer_Class::FX_Stop()
     }
 }
 
-std::string FX_ChainContainer_Class::GetXMLData() const
+persistence::SharedText FX_ChainContainer_Class::GetSharedXML() const
 {
     persistence::UTIL_XMLWrite writer;
     writer.SetMasterTag("FX_ChainList");
     writer.Add_Element("TotalN", TotalChannels());
     writer.Add_Element("ID", m_classID);
     for (std::int32_t number = 1; number <= TotalChannels(); ++number) {
-        writer.Add_RawElement(ItemName(number), m_chains[static_cast<std::size_t>(number) - 1]->GetXMLData());
+        writer.Add_RawElement(ItemName(number), m_chains[static_cast<std::size_t>(number) - 1]->GetSharedXML());
     }
-    return writer.GetXMLString();
+    return writer.GetSharedXML();
 }
 
 bool FX_ChainContainer_Class::LoadXMLData(std::string_view XMLData, bool AssignNewIDs)

@@ -4,6 +4,7 @@
 #include "core/Environment.h"
 #include "core/Units.h"
 #include "effects/FX_Chain_Class.h"
+#include "persistence/SharedText.h"
 
 #include <cstdint>
 #include <memory>
@@ -47,7 +48,8 @@ public:
     void FX_Start();
     void FX_Stop();
 
-    std::string GetXMLData() const;
+    std::string GetXMLData() const { return GetSharedXML().Text(); }
+    persistence::SharedText GetSharedXML() const;
     /// Replaces the chains by those of the text and starts. Text of another kind gives false and leaves no chain.
     bool LoadXMLData(std::string_view XMLData, bool AssignNewIDs);
     /// Takes the chains of a pack, with new ids, and starts. False, with everything as it was, if the pack is not whole

@@ -94,7 +94,7 @@ void FX_Chain_Class::volume(std::int32_t value)
     }
 }
 
-std::string FX_Chain_Class::GetXMLData() const
+persistence::SharedText FX_Chain_Class::GetSharedXML() const
 {
     persistence::UTIL_XMLWrite writer;
     writer.SetMasterTag("FX_Chain_Class");
@@ -111,10 +111,10 @@ std::string FX_Chain_Class::GetXMLData() const
         nested.Add_Element("Enabled", item.Enable);
         nested.Add_Element("ID", item.FxID);
         nested.Add_Element("Priority", item.Priority);
-        nested.Add_RawElement("Data", item.FxDataOBJ->GetXMLData());
-        writer.Add_RawElement(ItemName(i), nested.GetXMLString());
+        nested.Add_RawElement("Data", persistence::SharedText(item.FxDataOBJ->GetXMLData()));
+        writer.Add_RawElement(ItemName(i), nested.GetSharedXML());
     }
-    return writer.GetXMLString();
+    return writer.GetSharedXML();
 }
 
 bool FX_Chain_Class::LoadXMLData(std::string_view XMLData, bool AssignNewIDs, bool* whole)

@@ -3,6 +3,7 @@
 #include "core/ClassIds.h"
 #include "core/Environment.h"
 #include "effects/FX_Data_Class.h"
+#include "persistence/SharedText.h"
 
 #include <cstdint>
 #include <memory>
@@ -58,7 +59,8 @@ public:
     std::int32_t volume() const { return m_volume; }
     void volume(std::int32_t value);
 
-    std::string GetXMLData() const;
+    std::string GetXMLData() const { return GetSharedXML().Text(); }
+    persistence::SharedText GetSharedXML() const;
     /// False leaves the chain as it was. An effect that has no id or whose text is of another kind is dropped; `whole`
     /// tells whether all that the text announces was read.
     bool LoadXMLData(std::string_view XMLData, bool AssignNewIDs, bool* whole = nullptr);

@@ -22,7 +22,7 @@ std::int32_t Limited(std::int64_t value)
 
 } // namespace
 
-std::string CDC_Event_Wave_Class::GetXMLData() const
+persistence::SharedText CDC_Event_Wave_Class::GetSharedXML() const
 {
     persistence::UTIL_XMLWrite writer;
     writer.SetMasterTag("Event_Wave_Class");
@@ -33,7 +33,7 @@ std::string CDC_Event_Wave_Class::GetXMLData() const
     writer.Add_Element("FadeIn_EndMS", FadeIn_EndMS);
     writer.Add_Element("FadeOut_StartMS", FadeOut_StartMS);
     writer.Add_Element("Title", std::string_view(Title));
-    return writer.GetXMLString();
+    return writer.GetSharedXML();
 }
 
 bool CDC_Event_Wave_Class::LoadXMLData(std::string_view XML, AudioFileCheck* CheckFile)

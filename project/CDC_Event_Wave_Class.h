@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Units.h"
+#include "persistence/SharedText.h"
 
 #include <cstdint>
 #include <memory>
@@ -37,7 +38,8 @@ public:
 
     bool Resizable() const { return true; }
 
-    std::string GetXMLData() const;
+    std::string GetXMLData() const { return GetSharedXML().Text(); }
+    persistence::SharedText GetSharedXML() const;
     /// With `CheckFile`, a file that is not there is asked for; false when it stays missing. Also false for a text of
     /// another object, and then nothing is changed.
     bool LoadXMLData(std::string_view XML, AudioFileCheck* CheckFile = nullptr);

@@ -22,6 +22,8 @@ constexpr std::int32_t kFirstEventID = 10;
 /// Ids of a text above it are replaced, so that the counter cannot run over.
 constexpr std::int32_t kGreatestEventID = 1'000'000'000;
 constexpr std::int32_t kGreatestRow = 1'000'000'000;
+/// A move changes its own row and its neighbours in time, which may stand in as many blocks.
+constexpr std::int32_t kRowsPerBlock = 16;
 
 double OnTimeline(double timePos)
 {
@@ -189,7 +191,7 @@ double ChannelDataClass::Length() const
     return m_length;
 }
 
-std::string ChannelDataClass::GetXMLData() const
+persistence::SharedText ChannelDataClass::GetSharedXML() const
 {
     Link();
     persistence::UTIL_XMLWrite writer;
@@ -198,17 +200,32 @@ std::string ChannelDataClass::GetXMLData() const
     writer.Add_Element("EventsA_Size", m_lastRow);
     writer.Add_Element("EventIDCounter", m_eventIDCounter);
     writer.Add_Element("List_FirstItem", m_inTimeOrder.empty() ? -1 : m_inTimeOrder.front()->Index);
-    for (const auto& [index, row] : m_rows) {
-        persistence::UTIL_XMLWrite item;
-        item.Add_Element("ID", row.ID);
-        item.Add_Element("EventType", row.EventType);
-        item.Add_Element("TimePos", row.TimePos);
-        item.Add_Element("PrevItemI", row.PrevItemI);
-        item.Add_Element("NextItemI", row.NextItemI);
-        item.Add_RawElement("EventOBJData", row.EventOBJ ? row.EventOBJ->GetXMLData() : std::string());
-        writer.Add_RawElement(ItemName("EventData", index), item.GetXMLString());
+    // Rows are bound in blocks, so that a list with few changes has few pieces of its own.
+    for (auto row = m_rows.begin(); row != m_rows.end();) {
+        persistence::UTIL_XMLWrite block;
+        block.Indent = writer.Indent;
+        const std::int32_t number = row->first / kRowsPerBlock;
+        for (; row != m_rows.end() && row->first / kRowsPerBlock == number; ++row) {
+            block.Add_Elements(RowText(row->second, block.Indent));
+        }
+        writer.Add_Elements(block.GetSharedXML());
     }
-    return writer.GetXMLString();
+    return writer.GetSharedXML();
+}
+
+persistence::SharedText ChannelDataClass::RowText(const EventRow& row, std::int32_t indent)
+{
+    persistence::UTIL_XMLWrite item;
+    item.Add_Element("ID", row.ID);
+    item.Add_Element("EventType", row.EventType);
+    item.Add_Element("TimePos", row.TimePos);
+    item.Add_Element("PrevItemI", row.PrevItemI);
+    item.Add_Element("NextItemI", row.NextItemI);
+    item.Add_RawElement("EventOBJData", row.EventOBJ ? row.EventOBJ->GetSharedXML() : persistence::SharedText());
+    persistence::UTIL_XMLWrite element;
+    element.Indent = indent;
+    element.Add_RawElement(ItemName("EventData", row.Index), item.GetSharedXML());
+    return element.GetSharedXML();
 }
 
 bool ChannelDataClass::LoadXMLData(std::string_view XML, bool AdoptClassID, LoadContext& load)

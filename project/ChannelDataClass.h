@@ -2,6 +2,7 @@
 
 #include "core/ClassIds.h"
 #include "core/Environment.h"
+#include "persistence/SharedText.h"
 
 #include <cstdint>
 #include <map>
@@ -72,7 +73,8 @@ public:
     /// -1 after the last event and for an unknown id.
     std::int32_t GetNextEvent_ID(std::int32_t ID) const;
 
-    std::string GetXMLData() const;
+    std::string GetXMLData() const { return GetSharedXML().Text(); }
+    persistence::SharedText GetSharedXML() const;
     /// Replaces the events. Without `AdoptClassID` a text of another list is refused with a message. Events that do
     /// not load are left out, and `load` counts them.
     bool LoadXMLData(std::string_view XML, bool AdoptClassID, LoadContext& load);
@@ -92,6 +94,7 @@ private:
     EventRow& NewRow(std::int32_t index);
     bool LoadRow(std::int32_t index, std::string_view text, LoadContext& load, std::vector<EventRow*>& withoutID);
     void Link() const;
+    static persistence::SharedText RowText(const EventRow& row, std::int32_t indent);
 
     core::Environment& m_environment;
     std::shared_ptr<core::MsgSenderClass> m_bus;

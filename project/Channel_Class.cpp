@@ -9,6 +9,7 @@
 #include "project/ChannelDataClass.h"
 #include "project/LoadContext.h"
 #include "project/ProjectFile_Class.h"
+#include "project/UndoData_Class.h"
 #include "project/internal/ChannelEdits.h"
 #include "project/internal/ChannelEffects.h"
 #include "project/internal/ChannelStrip.h"
@@ -21,9 +22,6 @@ namespace velmora::project {
 namespace {
 
 constexpr std::int32_t kPriority = 80;
-/// What a restored snapshot covers: this channel, or the whole project.
-constexpr std::int32_t kUndoChannel = 1;
-constexpr std::int32_t kUndoProject = 4;
 
 } // namespace
 
@@ -85,7 +83,7 @@ void Channel_Class::SetDefaultValues(bool autoTitle)
     }
 }
 
-std::string Channel_Class::GetXMLData() const
+persistence::SharedText Channel_Class::GetSharedXML() const
 {
     persistence::UTIL_XMLWrite writer;
     writer.SetMasterTag("Channel_Class");
@@ -101,9 +99,9 @@ std::string Channel_Class::GetXMLData() const
     writer.Add_Element("Pitch", Pitch);
     writer.Add_Element("LiveStatus", LiveStatus);
     writer.Add_Element("ChannelMode", m_mode);
-    writer.Add_RawElement("FX", FX->GetXMLData());
-    writer.Add_RawElement("Events", ChannelData->GetXMLData());
-    return writer.GetXMLString();
+    writer.Add_RawElement("FX", FX->GetSharedXML());
+    writer.Add_RawElement("Events", ChannelData->GetSharedXML());
+    return writer.GetSharedXML();
 }
 
 bool Channel_Class::LoadXMLData(std::string_view xml, bool assignNewID, bool loadChildren, LoadContext& load)

@@ -2,6 +2,7 @@
 
 #include "core/ClassIds.h"
 #include "core/MsgParametersClass.h"
+#include "persistence/SharedText.h"
 
 #include <cstdint>
 #include <memory>
@@ -69,7 +70,8 @@ public:
     /// With `autoTitle` the title takes the project's running number for its kind.
     void SetDefaultValues(bool autoTitle);
 
-    std::string GetXMLData() const;
+    std::string GetXMLData() const { return GetSharedXML().Text(); }
+    persistence::SharedText GetSharedXML() const;
     /// Reads the settings and, with `loadChildren`, effects and clips. With `assignNewID` the channel gets a fresh id,
     /// else that of the text, if no other has it. On false the channel is half loaded; its owner drops it.
     bool LoadXMLData(std::string_view xml, bool assignNewID, bool loadChildren, LoadContext& load);

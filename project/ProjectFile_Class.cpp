@@ -8,7 +8,9 @@
 #include "project/CDC_Event_Wave_Class.h"
 #include "project/ChannelDataClass.h"
 #include "project/Channel_Class.h"
+#include "project/Clipboard_Class.h"
 #include "project/MarkList_Class.h"
+#include "project/Undo_Class.h"
 #include "project/internal/ChannelRegistry.h"
 #include "project/internal/EventPlacement.h"
 #include "project/internal/ProjectStorage.h"
@@ -48,6 +50,8 @@ ProjectFile_Class::~ProjectFile_Class()
     while (!m_setupForms.empty()) {
         FX_CloseSetupForm(*m_setupForms.begin());
     }
+    // Commands that still wait find no project to restore.
+    Undo.reset();
     m_channels->Clear();
     Metronome.reset();
     MasterVolume.reset();
@@ -83,6 +87,8 @@ void ProjectFile_Class::InitializeClass()
     Marks = std::make_unique<MarkList_Class>(m_environment.ids, *MsgSender);
     MasterVolume = std::make_unique<audio::MasterVolume_Class>(m_environment, *MsgSender);
     Metronome = std::make_unique<audio::Metronome_Class>(m_environment, *MsgSender, *Recorder);
+    Undo = std::make_unique<Undo_Class>(*this);
+    Clipboard = std::make_unique<Clipboard_Class>(*this);
 
     core::Views& views = m_environment.ports.views;
     views.InitializeMainWindow();
@@ -250,7 +256,12 @@ const std::vector<std::string>& ProjectFile_Class::MissingFiles() const
 
 std::string ProjectFile_Class::GetXMLData() const
 {
-    return m_storage->GetXMLData();
+    return GetSharedXML().Text();
+}
+
+persistence::SharedText ProjectFile_Class::GetSharedXML() const
+{
+    return m_storage->GetSharedXML();
 }
 
 bool ProjectFile_Class::LoadXMLData(std::string_view XML, bool LoadIDs, bool LoadRecorder, bool CheckFiles)

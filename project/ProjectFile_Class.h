@@ -3,6 +3,7 @@
 #include "core/Environment.h"
 #include "core/MsgSenderClass.h"
 #include "core/Units.h"
+#include "persistence/SharedText.h"
 #include "project/OpenedProject.h"
 
 #include <cstdint>
@@ -24,9 +25,11 @@ namespace velmora::project {
 class CDC_Event_Wave_Class;
 class Channel_Class;
 class ChannelRegistry;
+class Clipboard_Class;
 class EventPlacement;
 class MarkList_Class;
 class ProjectStorage;
+class Undo_Class;
 
 /// The root of the document: owns the bus, the channels, the marks, the master output, the metronome and the recorder,
 /// and hears every message first and last.
@@ -51,6 +54,9 @@ public:
     std::int32_t LastRecTimePos = core::kUnset;
     std::int32_t LastRecChannelID = core::kUnset;
     std::unique_ptr<audio::Recorder_Class> Recorder;
+    std::unique_ptr<Undo_Class> Undo;
+    /// Events that were copied; each copy brings a new one.
+    std::unique_ptr<Clipboard_Class> Clipboard;
     /// The project differs from its file.
     bool Modified = false;
     /// Numbers of the next voice channel, music channel and mark.
@@ -87,6 +93,8 @@ public:
     const std::vector<std::string>& MissingFiles() const;
 
     std::string GetXMLData() const;
+    /// The same text in pieces, which texts taken before share where nothing changed.
+    persistence::SharedText GetSharedXML() const;
     /// Replaces counters, marks, metronome and channels; `LoadRecorder`: the recorder's numbers too; `LoadIDs`: the
     /// project's own id too; `CheckFiles`: missing audio files are asked for.
     bool LoadXMLData(std::string_view XML, bool LoadIDs, bool LoadRecorder, bool CheckFiles);

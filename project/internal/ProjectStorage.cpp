@@ -136,7 +136,7 @@ bool ProjectStorage::Save(std::string_view path)
             return false;
         }
     }
-    const std::string text = WriteProjectFileText(GetXMLData());
+    const std::string text = WriteProjectFileText(GetSharedXML().Text());
     if (transfer) {
         if (!WriteWithCopy(target, text, *transfer)) {
             return false;
@@ -197,9 +197,9 @@ void ProjectStorage::DeleteUnusedFiles()
     m_folder.DeleteUnusedFiles(used);
 }
 
-std::string ProjectStorage::GetXMLData() const
+persistence::SharedText ProjectStorage::GetSharedXML() const
 {
-    return ProjectText(m_project, m_channels).GetXMLData();
+    return ProjectText(m_project, m_channels).GetSharedXML();
 }
 
 bool ProjectStorage::LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecorder, bool checkFiles,

@@ -2,6 +2,7 @@
 
 #include "core/ClassIds.h"
 #include "core/Environment.h"
+#include "persistence/SharedText.h"
 #include "project/OpenedProject.h"
 #include "project/internal/ProjectFolder.h"
 
@@ -26,7 +27,7 @@ public:
     bool Save(std::string_view path);
     void DeleteUnusedFiles();
 
-    std::string GetXMLData() const;
+    persistence::SharedText GetSharedXML() const;
     /// `id` takes the id of the text when `loadIDs` is set.
     bool LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecorder, bool checkFiles, core::ClassID& id);
 

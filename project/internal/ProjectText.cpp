@@ -36,7 +36,7 @@ ProjectText::ProjectText(ProjectFile_Class& project, ChannelRegistry& channels)
 {
 }
 
-std::string ProjectText::GetXMLData() const
+persistence::SharedText ProjectText::GetSharedXML() const
 {
     persistence::UTIL_XMLWrite writer;
     writer.SetMasterTag("ProjectFile_Class");
@@ -44,12 +44,12 @@ std::string ProjectText::GetXMLData() const
     writer.Add_Element("Counter_MarkN", m_project.Counter_MarkN);
     writer.Add_Element("chn_Music_ChannelCounter", m_project.chn_Music_ChannelCounter);
     writer.Add_Element("chn_Voice_ChannelCounter", m_project.chn_Voice_ChannelCounter);
-    writer.Add_RawElement("Marks", m_project.Marks->GetXMLData());
-    writer.Add_RawElement("Recorder", m_project.Recorder->GetXMLData());
-    writer.Add_RawElement("Metronome", m_project.Metronome->GetXMLData());
+    writer.Add_RawElement("Marks", persistence::SharedText(m_project.Marks->GetXMLData()));
+    writer.Add_RawElement("Recorder", persistence::SharedText(m_project.Recorder->GetXMLData()));
+    writer.Add_RawElement("Metronome", persistence::SharedText(m_project.Metronome->GetXMLData()));
     WriteChannels(writer, Channel_Class::kMusic);
     WriteChannels(writer, Channel_Class::kVoice);
-    return writer.GetXMLString();
+    return writer.GetSharedXML();
 }
 
 void ProjectText::WriteChannels(persistence::UTIL_XMLWrite& writer, std::int32_t mode) const
@@ -58,7 +58,7 @@ void ProjectText::WriteChannels(persistence::UTIL_XMLWrite& writer, std::int32_t
     writer.Add_Element(CountOf(mode), static_cast<std::int32_t>(table.size()));
     std::int32_t i = 0;
     for (const auto& channel : table) {
-        writer.Add_RawElement(ItemName(ItemsOf(mode), i++), channel->GetXMLData());
+        writer.Add_RawElement(ItemName(ItemsOf(mode), i++), channel->GetSharedXML());
     }
 }
 

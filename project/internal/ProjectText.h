@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/ClassIds.h"
+#include "persistence/SharedText.h"
 
 #include <cstdint>
 #include <string>
@@ -26,7 +27,7 @@ public:
 
     ProjectText(ProjectFile_Class& project, ChannelRegistry& channels);
 
-    std::string GetXMLData() const;
+    persistence::SharedText GetSharedXML() const;
     /// False for the text of another object. `id` takes the project's id of the text when `loadIDs` is set. What does
     /// not load is told by message, counted in `load`, and left out.
     bool LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecorder, LoadContext& load, core::ClassID& id);
