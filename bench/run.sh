@@ -2,6 +2,7 @@
 # Builds the release preset and prints the tables of docs/BENCHMARKS.md: bench/run.sh [ROUNDS]
 set -eu
 cd "$(dirname "$0")/.."
+scripts/install-packages.sh bench
 cmake --preset release >/dev/null
 cmake --build --preset release --target velmora-render velmora-decode-bench velmora-load-bench velmora-bus-bench
 python=python3
