@@ -171,8 +171,9 @@ void StreamCopy_GetBufferSize(uint32_t sourceStream, int32_t* sizeOut)
 void dbg_PrintEventList(void)
 {
     for (const auto& [key, row] : Engine::Get().planner.Events()) {
-        std::fprintf(stderr, "%d %d at %d ms: %d..%d of %s, gain %g\n", key.channelId, key.eventId, row.timePosMS,
-                     row.startMS, row.endMS, row.filePath.c_str(), row.gainFactor);
+        std::fprintf(stderr, "%d %d at %d ms: %d..%d of %s, gain %g, fades %d and %d\n", key.channelId, key.eventId,
+                     row.timePosMS, row.startMS, row.endMS, row.filePath.c_str(), row.gainFactor, row.fadeInEndMS,
+                     row.fadeOutStartMS);
     }
 }
 

@@ -49,6 +49,9 @@ void Engine::Stop()
 
 void Engine::Play()
 {
+    if (mixSide.clock.Playing()) {
+        return;
+    }
     // The clock starts once the voices at its position are ready, as after a seek.
     mixSide.Play(planner.Seek(planner.Frames()));
 }
