@@ -10,6 +10,8 @@ namespace velmora::engine {
 namespace {
 constexpr std::uint32_t kFrameBytes = 4;
 constexpr std::uint32_t kLongestClickSeconds = 10;
+/// Beyond any clock; whole numbers of frames stay exact.
+constexpr double kLongestPeriodFrames = 1e15;
 
 std::vector<std::int16_t> ReadClick(HSTREAM stream, std::int32_t rate)
 {
@@ -44,10 +46,12 @@ MetronomeClick::~MetronomeClick()
 void MetronomeClick::Set(bool enabled, double periodMS, HSTREAM stream, std::int32_t rate)
 {
     Stop();
-    if (!enabled || stream == 0 || !(periodMS > 0)) {
+    const double periodFrames = periodMS * rate / 1000;
+    if (!enabled || stream == 0 || !(periodFrames >= 1)) {
         return;
     }
-    m_sound = std::make_unique<Sound>(Sound{ReadClick(stream, rate), periodMS * rate / 1000, stream});
+    m_sound =
+        std::make_unique<Sound>(Sound{ReadClick(stream, rate), std::min(periodFrames, kLongestPeriodFrames), stream});
     if (m_sound->stereo.empty()) {
         return;
     }

@@ -20,9 +20,11 @@ public:
     explicit MetronomeClick(const MixSide& mixSide);
     ~MetronomeClick();
 
-    /// `stream`: the click as a plain file stream; 0, or one that cannot be read, gives silence. `periodMS` at or below
-    /// 0 is silent too. Interface thread.
+    /// `stream`: the click as a plain file stream; 0, or one that cannot be read, gives silence. So does a period of
+    /// less than a frame. Interface thread.
     void Set(bool enabled, double periodMS, HSTREAM stream, std::int32_t rate);
+    /// What plays on the device; 0 while there is nothing to hear.
+    HSTREAM Stream() const { return m_stream; }
 
 private:
     struct Sound {
