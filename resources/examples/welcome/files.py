@@ -65,8 +65,9 @@ def write(path, sides, level_db, rate=RATE, extra=()):
 
 def read(path):
     """A file as stereo at RATE, full scale 1; mono gives both sides."""
-    probe = subprocess.run(["ffprobe", "-loglevel", "error", "-show_entries", "stream=channels:format_tags=SourceSamples",
-                            "-of", "default=nw=1", path], check=True, capture_output=True, text=True).stdout
+    probe = subprocess.run(["ffprobe", "-loglevel", "error", "-show_entries",
+                            "stream=channels:format_tags=SourceSamples", "-of", "default=nw=1", path],
+                           check=True, capture_output=True, text=True).stdout
     values = dict(line.split("=", 1) for line in probe.split())
     channels = int(values["channels"])
     raw = subprocess.run(["ffmpeg", "-loglevel", "error", "-i", path, "-f", "f32le", "-af",

@@ -79,7 +79,8 @@ def sing(notes, seconds, seed, vibrato_cents=26, brightness=1.0):
         shake[inside] = np.clip((clock[inside] - start - 0.22) / 0.35, 0, 1)
     drift = _smooth(rng.standard_normal(steps), 0.25)
     tone = _smooth(tone, 0.085)
-    tone += 0.01 * vibrato_cents * _smooth(shake, 0.1) * np.sin(2 * np.pi * 5.3 * clock + 0.4 * np.cumsum(drift) * _STEP)
+    vibrato = np.sin(2 * np.pi * 5.3 * clock + 0.4 * np.cumsum(drift) * _STEP)
+    tone += 0.01 * vibrato_cents * _smooth(shake, 0.1) * vibrato
     tone += 0.16 * drift
     mouth = _smooth(mouth, 0.055)
     level = _smooth(level, 0.06) * (1 + 0.10 * drift)
