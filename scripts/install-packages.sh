@@ -3,8 +3,8 @@
 set -euo pipefail
 
 build=(g++ cmake ninja-build ccache pkg-config libavformat-dev libavcodec-dev libavutil-dev libsoxr-dev libsndfile1-dev
-    libreaderwriterqueue-dev libgtest-dev libgmock-dev libbenchmark-dev)
-test=("${build[@]}" sox ffmpeg python3 python3-numpy clang-format clang-tidy)
+    libreaderwriterqueue-dev libcubeb-dev libasound2-dev libgtest-dev libgmock-dev libbenchmark-dev)
+test=("${build[@]}" sox ffmpeg python3 python3-numpy pulseaudio pulseaudio-utils clang-format clang-tidy)
 bench=("${test[@]}" ecasound)
 
 case "${1:-}" in

@@ -1,17 +1,25 @@
 #include "soundlayer/internal/AudioDevice.h"
+#include "soundlayer/internal/CubebDevice.h"
 #include "soundlayer/internal/Library.h"
 #include "soundlayer/internal/Operation.h"
+#include "soundlayer/internal/SurvivingDevice.h"
 #include "soundlayer/soundlayer.h"
 
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <string>
+#include <utility>
 
+using velmora::soundlayer::AudioDevice;
+using velmora::soundlayer::CubebDevice;
 using velmora::soundlayer::Fail;
 using velmora::soundlayer::Library;
 using velmora::soundlayer::MakeNoSoundDevice;
 using velmora::soundlayer::Operation;
 using velmora::soundlayer::Output;
+using velmora::soundlayer::OutputDevice;
+using velmora::soundlayer::SurvivingDevice;
 
 namespace {
 constexpr std::uint32_t kVersion = 0x02040000;
@@ -19,6 +27,22 @@ constexpr std::int32_t kNoSound = 0;
 constexpr std::int32_t kDefaultDevice = -1;
 constexpr std::uint32_t kMinRate = 8000;
 constexpr std::uint32_t kMaxRate = 192000;
+constexpr std::uint32_t kEnabled = 1;
+constexpr std::uint32_t kDefault = 2;
+constexpr std::uint32_t kInUse = 4;
+
+std::unique_ptr<AudioDevice> MakeRealDevice(const OutputDevice& device, bool followDefault)
+{
+    // The same backend each time: hardware that is taken while its server is away would keep the server from coming
+    // back.
+    CubebDevice::Choice choice{device.backend, followDefault ? std::string() : device.id};
+    return std::make_unique<SurvivingDevice>([choice](std::uint32_t deviceMS, SurvivingDevice::LostNotice lost) {
+        CubebDevice::Choice now = choice;
+        now.deviceMS = deviceMS;
+        return std::make_unique<CubebDevice>(std::move(now), std::move(lost));
+    });
+}
+
 } // namespace
 
 uint32_t BASS_GetVersion(void)
@@ -38,18 +62,25 @@ int BASS_Init(int32_t device, uint32_t freq, uint32_t, void*, const void*)
         if (library.output) {
             return Fail(BASS_ERROR_ALREADY, 0);
         }
-        if (device != kNoSound && device != kDefaultDevice) {
+        if (device != kNoSound) {
+            library.devices.Refresh();
+        }
+        const std::int32_t number = device == kDefaultDevice ? library.devices.DefaultNumber() : device;
+        const OutputDevice* real = library.devices.Find(number);
+        if (number != kNoSound && !(real && real->present)) {
             return Fail(BASS_ERROR_DEVICE, 0);
         }
         if (freq < kMinRate || freq > kMaxRate) {
             return Fail(BASS_ERROR_FORMAT, 0);
         }
-        auto output = std::make_unique<Output>(MakeNoSoundDevice(), freq, library.edits);
+        auto sink = real ? MakeRealDevice(*real, device == kDefaultDevice) : MakeNoSoundDevice();
+        auto output = std::make_unique<Output>(std::move(sink), freq, library.edits);
         output->SetBuffer(library.bufferMS, library.periodMS);
         output->SetHeartbeat(library.heartbeat, library.heartbeatUser);
         if (!output->Start()) {
             return Fail(BASS_ERROR_DRIVER, 0);
         }
+        library.deviceNumber = number;
         library.output = std::move(output);
         return 1;
     });
@@ -69,7 +100,10 @@ int BASS_Free(void)
 
 int32_t BASS_GetDevice(void)
 {
-    return Operation(-1, [] { return Library::Get().output ? kNoSound : Fail(BASS_ERROR_INIT, -1); });
+    return Operation(-1, [] {
+        const Library& library = Library::Get();
+        return library.output ? library.deviceNumber : Fail(BASS_ERROR_INIT, -1);
+    });
 }
 
 int BASS_GetInfo(BASS_INFO* info)
@@ -86,11 +120,29 @@ int BASS_GetInfo(BASS_INFO* info)
 
 int BASS_GetDeviceInfo(uint32_t device, BASS_DEVICEINFO* info)
 {
-    if (device != kNoSound) {
-        return Fail(BASS_ERROR_DEVICE, 0);
-    }
-    *info = {"No sound", "", Library::Get().output ? 5U : 1U};
-    return 1;
+    return Operation(0, [&] {
+        Library& library = Library::Get();
+        library.devices.RefreshIfOld();
+        const OutputDevice* real = library.devices.Find(device);
+        if (device != kNoSound && !real) {
+            return Fail(BASS_ERROR_DEVICE, 0);
+        }
+        const auto number = static_cast<std::int32_t>(device);
+        const bool present = !real || real->present;
+        const bool inUse = library.output && library.deviceNumber == number;
+        const bool isDefault = library.devices.DefaultNumber() == number;
+        *info = {real ? real->name.c_str() : "No sound", real ? real->backend.c_str() : "",
+                 (present ? kEnabled : 0) | (isDefault ? kDefault : 0) | (inUse ? kInUse : 0)};
+        return 1;
+    });
+}
+
+int32_t Sound_DeviceState(void)
+{
+    return Operation(0, [] {
+        const Library& library = Library::Get();
+        return library.output ? static_cast<std::int32_t>(library.output->Device().State()) : 0;
+    });
 }
 
 int BASS_SetConfig(uint32_t option, uint32_t value)

@@ -102,7 +102,8 @@ typedef struct {
     uint16_t cbSize;
 } WAVEFORMATEX;
 
-/* Library and device. Device 0 is "No sound", a clock without ears; -1 is the system's default. */
+/* Library and device. Device 0 is "No sound", a clock without ears; real ones follow from 1 and keep their number while
+ * the process lives; -1 is the system's default, which is "No sound" where there is no server nor hardware. */
 
 /// 0x0204 in the high word.
 SOUND_API uint32_t BASS_GetVersion(void);
@@ -111,6 +112,7 @@ SOUND_API int BASS_Init(int32_t device, uint32_t freq, uint32_t flags, void* win
 /// Frees every stream, encoder and the device.
 SOUND_API int BASS_Free(void);
 SOUND_API int32_t BASS_GetDevice(void);
+/// May wait for a quarter of a second after `BASS_Init`, until the latency can be told.
 SOUND_API int BASS_GetInfo(BASS_INFO* info);
 SOUND_API int BASS_GetDeviceInfo(uint32_t device, BASS_DEVICEINFO* info);
 SOUND_API int BASS_SetConfig(uint32_t option, uint32_t value);
@@ -192,6 +194,9 @@ SOUND_API void Sound_EndEdit(void);
 SOUND_API void Sound_Retire(SOUND_RELEASEPROC* release, SOUND_USER user);
 /// Frames that the device asked for in vain since it was started.
 SOUND_API uint64_t Sound_MissedFrames(void);
+/// 0: none, or "No sound"; 1: sounding; 2: lost. The clock of a lost device goes on, and the layer tries each second to
+/// bring it back.
+SOUND_API int32_t Sound_DeviceState(void);
 
 #ifdef __cplusplus
 }

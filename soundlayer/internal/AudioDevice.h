@@ -1,11 +1,15 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 
 namespace velmora::soundlayer {
+
+/// Numbers are those of `Sound_DeviceState`.
+enum class DeviceState : std::uint8_t { None = 0, Sounding = 1, Lost = 2 };
 
 /// Where the sound goes. Adapters differ, nothing above knows which one it has.
 class AudioDevice {
@@ -22,9 +26,13 @@ public:
     virtual std::uint32_t LatencyMS() const = 0;
     /// Smallest buffer in ms that the device runs with.
     virtual std::uint32_t MinBufferMS() const = 0;
+    /// How much lies ready for the callbacks, in ms; a device may suit its own buffer to it.
+    virtual void SetBufferMS(std::uint32_t) {}
+    virtual DeviceState State() const { return DeviceState::None; }
 };
 
-/// "No sound": asks for frames by the monotonic clock and drops them.
-std::unique_ptr<AudioDevice> MakeNoSoundDevice();
+/// "No sound": asks for frames by the monotonic clock and drops them. Those of the time `owed`, which has passed
+/// already, it asks for beside, at half the pace again.
+std::unique_ptr<AudioDevice> MakeNoSoundDevice(std::chrono::nanoseconds owed = {});
 
 } // namespace velmora::soundlayer

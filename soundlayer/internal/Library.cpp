@@ -1,5 +1,6 @@
 #include "soundlayer/internal/Library.h"
 
+#include <cstdlib>
 #include <utility>
 
 namespace velmora::soundlayer {
@@ -12,6 +13,12 @@ Library& Library::Get()
 {
     static Library library;
     return library;
+}
+
+Library::Library()
+{
+    // Looking for a device must not bring a sound server up.
+    setenv("JACK_NO_START_SERVER", "1", 1);
 }
 
 Library::~Library()
@@ -127,6 +134,7 @@ bool Library::FreeEncoder(std::uint32_t handle)
 void Library::FreeEverything()
 {
     output.reset();
+    devices.EndWorker();
     for (const auto& object : handles.All()) {
         if (object->ObjectKind() == Object::Kind::Encoder) {
             FreeEncoder(object->Handle());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "soundlayer/internal/DeviceList.h"
 #include "soundlayer/internal/EncoderSession.h"
 #include "soundlayer/internal/GraphEdits.h"
 #include "soundlayer/internal/HandleTable.h"
@@ -18,6 +19,7 @@ namespace velmora::soundlayer {
 class Library {
 public:
     static Library& Get();
+    Library();
     ~Library();
 
     /// The error code of this thread's last failed operation.
@@ -28,7 +30,9 @@ public:
     HandleTable handles;
     GraphEdits edits;
     ReadAhead readAhead;
+    DeviceList devices;
     std::unique_ptr<Output> output;
+    std::int32_t deviceNumber = 0;
     std::uint32_t bufferMS = 500;
     std::uint32_t periodMS = 100;
     SOUND_HEARTBEATPROC* heartbeat = nullptr;

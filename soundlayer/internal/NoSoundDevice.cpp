@@ -1,5 +1,6 @@
 #include "soundlayer/internal/AudioDevice.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <condition_variable>
@@ -13,6 +14,10 @@ namespace {
 
 class NoSoundDevice final : public AudioDevice {
 public:
+    explicit NoSoundDevice(std::chrono::nanoseconds owed)
+        : m_owed(owed)
+    {
+    }
     ~NoSoundDevice() override { Stop(); }
 
     bool Start(std::uint32_t rate, Callback callback) override
@@ -49,20 +54,28 @@ private:
     void Run(std::uint32_t rate, const Callback& callback)
     {
         std::array<std::int16_t, 2 * kBlockFrames> block{};
-        const auto start = Clock::now();
+        const auto framesIn = [rate](Clock::duration time) {
+            const auto us = std::chrono::duration_cast<std::chrono::microseconds>(time).count();
+            return static_cast<std::uint64_t>(us) * rate / 1'000'000;
+        };
+        auto last = Clock::now();
+        const auto start = last - m_owed;
         std::uint64_t asked = 0;
         std::unique_lock lock(m_mutex);
         while (!m_wake.wait_for(lock, std::chrono::milliseconds(kPeriodMS), [this] { return m_stopping; })) {
-            const auto us = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start).count();
-            const auto due = static_cast<std::uint64_t>(us) * rate / 1'000'000;
-            while (asked < due) {
-                const std::size_t frames = std::min<std::uint64_t>(due - asked, kBlockFrames);
+            const auto now = Clock::now();
+            std::uint64_t wanted = std::min(framesIn(now - start) - asked, framesIn((now - last) * 3 / 2));
+            last = now;
+            asked += wanted;
+            while (wanted > 0) {
+                const std::size_t frames = std::min<std::uint64_t>(wanted, kBlockFrames);
                 callback(block.data(), frames);
-                asked += frames;
+                wanted -= frames;
             }
         }
     }
 
+    const std::chrono::nanoseconds m_owed;
     std::mutex m_mutex;
     std::condition_variable m_wake;
     bool m_stopping = false;
@@ -71,9 +84,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<AudioDevice> MakeNoSoundDevice()
+std::unique_ptr<AudioDevice> MakeNoSoundDevice(std::chrono::nanoseconds owed)
 {
-    return std::make_unique<NoSoundDevice>();
+    return std::make_unique<NoSoundDevice>(owed);
 }
 
 } // namespace velmora::soundlayer

@@ -71,6 +71,7 @@ void Output::SetBuffer(std::uint32_t bufferMS, std::uint32_t periodMS)
 {
     m_bufferMS = std::clamp<std::uint32_t>(bufferMS, 1, kMaxBufferMS);
     m_periodMS = std::max<std::uint32_t>(periodMS, 1);
+    m_device->SetBufferMS(m_bufferMS);
     m_wake.notify_all();
 }
 

@@ -1,0 +1,200 @@
+#include "soundlayer/internal/SurvivingDevice.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora::soundlayer {
+
+namespace {
+constexpr std::uint32_t kLeastDeviceMS = 6;
+constexpr std::uint32_t kGreatestDeviceMS = 25;
+constexpr std::chrono::milliseconds kArrivalLook{5};
+} // namespace
+
+SurvivingDevice::SurvivingDevice(Make make, MakeStandIn makeStandIn, Times times)
+    : m_make(std::move(make))
+    , m_makeStandIn(std::move(makeStandIn))
+    , m_times(times)
+{
+}
+
+bool SurvivingDevice::Start(std::uint32_t rate, Callback callback)
+{
+    Stop();
+    m_rate = rate;
+    m_callback = std::move(callback);
+    m_ending = false;
+    m_gone = false;
+    m_deviceMS = m_wantedMS;
+    m_turn = Side::Device;
+    std::shared_ptr<AudioDevice> device = MakeDevice();
+    if (!StartDevice(*device)) {
+        return false;
+    }
+    m_minBufferMS = device->MinBufferMS();
+    m_device = std::move(device);
+    m_state = DeviceState::Sounding;
+    m_keeper = std::thread([this] { Keep(); });
+    return true;
+}
+
+void SurvivingDevice::Stop()
+{
+    if (m_keeper.joinable()) {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_ending = true;
+        }
+        m_wake.notify_all();
+        m_keeper.join();
+    }
+    if (m_standIn) {
+        m_standIn->Stop();
+        m_standIn.reset();
+    }
+    if (m_device) {
+        m_device->Stop();
+        m_device.reset();
+    }
+    m_state = DeviceState::None;
+}
+
+std::uint32_t SurvivingDevice::LatencyMS() const
+{
+    std::unique_lock lock(m_mutex);
+    if (const auto device = m_state == DeviceState::Sounding ? m_device : nullptr) {
+        lock.unlock();
+        const std::uint32_t latency = device->LatencyMS();
+        lock.lock();
+        m_latencyMS = latency;
+    }
+    return m_latencyMS;
+}
+
+std::uint32_t SurvivingDevice::MinBufferMS() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_minBufferMS;
+}
+
+void SurvivingDevice::SetBufferMS(std::uint32_t bufferMS)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_wantedMS = std::clamp(bufferMS / 2, kLeastDeviceMS, kGreatestDeviceMS);
+    }
+    m_wake.notify_all();
+}
+
+void SurvivingDevice::OnCall(Side side, std::int16_t* out, std::size_t frames)
+{
+    if (side == Side::Device) {
+        m_lastCall.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed);
+        m_heard.store(true, std::memory_order_relaxed);
+    }
+    const bool mine = m_turn.load(std::memory_order_acquire) == side;
+    if (!mine || m_calling.exchange(true, std::memory_order_acquire)) {
+        std::fill_n(out, 2 * frames, std::int16_t{0});
+        return;
+    }
+    m_callback(out, frames);
+    m_calling.store(false, std::memory_order_release);
+}
+
+std::unique_ptr<AudioDevice> SurvivingDevice::MakeDevice()
+{
+    return m_make(m_deviceMS, [this] {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_gone = true;
+        }
+        m_wake.notify_all();
+    });
+}
+
+bool SurvivingDevice::StartDevice(AudioDevice& device)
+{
+    m_heard = false;
+    m_lastCall = Clock::now().time_since_epoch().count();
+    return device.Start(m_rate, [this](std::int16_t* out, std::size_t frames) { OnCall(Side::Device, out, frames); });
+}
+
+SurvivingDevice::Clock::duration SurvivingDevice::Silence() const
+{
+    return Clock::now().time_since_epoch() - Clock::duration(m_lastCall.load(std::memory_order_relaxed));
+}
+
+void SurvivingDevice::Keep()
+{
+    std::unique_lock lock(m_mutex);
+    while (!m_ending) {
+        const bool arriving = m_device && m_standIn;
+        const Clock::duration toTry = m_device ? Clock::duration::max() : m_nextTry - Clock::now();
+        const auto pause = std::min(toTry, arriving ? Clock::duration(kArrivalLook) : Clock::duration(m_times.look));
+        m_wake.wait_for(lock, pause, [this] { return m_ending || m_gone || m_wantedMS != m_deviceMS; });
+        if (m_ending) {
+            return;
+        }
+        if (!m_device) {
+            m_gone = false;
+            m_deviceMS = m_wantedMS;
+            if (Clock::now() >= m_nextTry) {
+                TryAgain(lock);
+            }
+        } else if (m_gone || m_wantedMS != m_deviceMS || Silence() > m_times.silence) {
+            Drop(lock);
+        } else if (arriving && m_heard) {
+            Arrive(lock);
+        }
+    }
+}
+
+void SurvivingDevice::Drop(std::unique_lock<std::mutex>& lock)
+{
+    const std::shared_ptr<AudioDevice> device = std::move(m_device);
+    m_device = nullptr;
+    m_state = DeviceState::Lost;
+    lock.unlock();
+    if (m_standIn) {
+        m_nextTry = Clock::now() + m_times.retry;
+    } else {
+        // Another device may have become the default, or only the length changes.
+        m_nextTry = Clock::now();
+        m_standIn = m_makeStandIn(std::max(Silence(), Clock::duration::zero()));
+        m_turn = Side::StandIn;
+        m_standIn->Start(m_rate, [this](std::int16_t* out, std::size_t frames) { OnCall(Side::StandIn, out, frames); });
+    }
+    device->Stop();
+    lock.lock();
+    m_gone = false;
+    m_deviceMS = m_wantedMS;
+}
+
+void SurvivingDevice::TryAgain(std::unique_lock<std::mutex>& lock)
+{
+    m_deviceMS = m_wantedMS;
+    std::shared_ptr<AudioDevice> device = MakeDevice();
+    lock.unlock();
+    const bool started = StartDevice(*device);
+    lock.lock();
+    if (started) {
+        m_device = std::move(device);
+    } else {
+        m_gone = false;
+        m_nextTry = Clock::now() + m_times.retry;
+    }
+}
+
+void SurvivingDevice::Arrive(std::unique_lock<std::mutex>& lock)
+{
+    lock.unlock();
+    // The stand-in's last call comes before the device's first.
+    m_standIn->Stop();
+    m_standIn.reset();
+    m_turn = Side::Device;
+    lock.lock();
+    m_minBufferMS = m_device->MinBufferMS();
+    m_state = DeviceState::Sounding;
+}
+
+} // namespace velmora::soundlayer
