@@ -17,7 +17,8 @@ constexpr bool IsRate(std::int64_t rate)
 enum class OpenResult { Ok, CannotRead, NoSound };
 
 /// An audio file as 16-bit interleaved samples, exact to the sample in length and position for every format that is
-/// decoded: a frame reads the same wherever reading began.
+/// decoded: a frame reads the same wherever reading began. Only noise that a format leaves to the decoder to make up
+/// (AAC's noise bands, WMA of low rates) is other noise after a seek.
 ///
 /// Files with more than 2 channels are mixed down to 2. Damage inside a file becomes silence of its length. One thread
 /// at a time. Opening a format without exact timestamps walks its packets once; that index is kept for all openings of
