@@ -22,7 +22,8 @@ Metronome_Class::Metronome_Class(core::Environment& environment, core::MsgSender
                                  const Recorder_Class& recorder)
     : m_classID(environment.ids.Draw())
     , m_recorder(recorder)
-    , m_filePath(environment.ports.shellFolders.AppExe() + "\\sounds\\hihat.wav")
+    , m_programFolder(environment.ports.shellFolders.AppExe())
+    , m_filePath(m_programFolder + "\\sounds\\hihat.wav")
     , m_msgHandler(std::make_shared<core::MsgHandlerClass>(
           environment.ids, [this](std::int32_t, std::int32_t msgID, core::MsgParametersClass& params) {
               MsgHandler_MsgReceived(msgID, params);
@@ -127,7 +128,8 @@ void Metronome_Class::Reapply()
 void Metronome_Class::OpenClick()
 {
     FreeClick();
-    m_stream = core::BassOpenAudioFile(m_filePath, 0);
+    const bool absolute = m_filePath.find(':') != std::string::npos;
+    m_stream = core::BassOpenAudioFile(absolute ? m_filePath : m_programFolder + "\\" + m_filePath, 0);
     if (m_stream != 0) {
         core::BassSetAttributes(m_stream, -1, m_volume, -101);
     }

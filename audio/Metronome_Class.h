@@ -32,6 +32,7 @@ public:
     double Metronome_TimeMs() const { return m_timeMS; }
     /// 0 when the click's file could not be opened.
     std::uint32_t Metronome_StreamHandle() const { return m_stream; }
+    /// A path without a drive is one of the program's own sounds, counted from the program's folder.
     const std::string& Metronome_FilePath() const { return m_filePath; }
 
     std::string GetXMLData() const;
@@ -55,6 +56,7 @@ private:
     std::int32_t m_volume = 100;
     double m_timeMS = 750.0;
     std::uint32_t m_stream = 0;
+    const std::string m_programFolder;
     std::string m_filePath;
     std::shared_ptr<core::MsgHandlerClass> m_msgHandler;
 };

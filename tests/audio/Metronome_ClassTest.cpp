@@ -48,6 +48,12 @@ TEST_F(Metronome, SettingsComeBackWithTheSameBytes)
     EXPECT_EQ(loaded.Metronome_StreamHandle(), 0u);
     EXPECT_FALSE(loaded.LoadXMLData("<Recorder_Class></Recorder_Class>"));
 
+    // One of the program's own sounds.
+    m_environment.files.MakeFolderIfMissing(m_environment->ports.shellFolders.AppExe());
+    WriteWav(m_environment->ports.shellFolders.AppExe() + "\\tick.wav", {44100, 1, std::vector<std::int16_t>(100, 5)});
+    EXPECT_EQ(Send(core::Msg_Metronome_SetFile, 0, 0, "tick.wav").Text, "tick.wav");
+    EXPECT_NE(m_project->Metronome->Metronome_StreamHandle(), 0u);
+
     // A file that does not open is kept, and told to the sender.
     const std::uint32_t stream = m_project->Metronome->Metronome_StreamHandle();
     const std::string gone = m_environment.Path("gone.wav");
