@@ -1,6 +1,7 @@
 #include "soundlayer/internal/AudioDevice.h"
 #include "soundlayer/internal/CubebDevice.h"
 #include "soundlayer/internal/Library.h"
+#include "soundlayer/internal/MixingThread.h"
 #include "soundlayer/internal/Operation.h"
 #include "soundlayer/internal/SurvivingDevice.h"
 #include "soundlayer/soundlayer.h"
@@ -203,6 +204,11 @@ int Sound_SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user)
         }
         return 1;
     });
+}
+
+int Sound_OnMixingThread(void)
+{
+    return velmora::soundlayer::OnMixingThread() ? 1 : 0;
 }
 
 uint64_t Sound_MissedFrames(void)

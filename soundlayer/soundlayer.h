@@ -192,6 +192,8 @@ SOUND_API void Sound_EndEdit(void);
 /// Calls `release` once all edits so far are in force and no block under way can still use what they removed; that is
 /// after `Sound_EndEdit` when called within an edit. On a thread that operates, never on the mixing thread.
 SOUND_API void Sound_Retire(SOUND_RELEASEPROC* release, SOUND_USER user);
+/// Whether the calling thread fills the device's buffer just now, and so may not wait, allocate or touch a file. [RT]
+SOUND_API int Sound_OnMixingThread(void);
 /// Frames that the device asked for in vain since it was started.
 SOUND_API uint64_t Sound_MissedFrames(void);
 /// 0: none, or "No sound"; 1: sounding; 2: lost. The clock of a lost device goes on, and the layer tries each second to

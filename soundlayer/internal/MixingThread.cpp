@@ -3,7 +3,8 @@
 namespace velmora::soundlayer {
 
 namespace {
-thread_local bool t_mixing = false;
+/// Of the model that needs no allocation when a thread first looks at it.
+[[gnu::tls_model("initial-exec")]] thread_local bool t_mixing = false;
 }
 
 bool OnMixingThread()

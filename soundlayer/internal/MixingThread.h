@@ -2,10 +2,11 @@
 
 namespace velmora::soundlayer {
 
-/// True on the thread that mixes for the device, where nothing may wait, allocate or touch a file. [RT]
+/// True on a thread that fills the device's ring or serves the device just now, where nothing may wait, allocate or
+/// touch a file. [RT]
 bool OnMixingThread();
 
-/// Declares the present thread the mixing thread for as long as it lives.
+/// Declares the present thread to be mixing until its end.
 class MixingThreadMark {
 public:
     MixingThreadMark();

@@ -83,6 +83,7 @@ void Output::SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user)
 
 void Output::OnDevice(std::int16_t* out, std::size_t frames)
 {
+    const MixingThreadMark mark;
     const std::size_t given = m_ring.Read(out, frames);
     std::fill_n(out + 2 * given, 2 * (frames - given), std::int16_t{0});
     if (given < frames && m_primed.load(std::memory_order_acquire)) {
@@ -108,7 +109,6 @@ void Output::SetMixing(bool mixing)
 
 void Output::Mix()
 {
-    const MixingThreadMark mark;
     std::unique_lock lock(m_mutex);
     while (true) {
         m_wake.wait(lock, [this] { return m_mixing || m_ending; });
@@ -119,6 +119,7 @@ void Output::Mix()
         lock.unlock();
         const bool filled = m_edits.BeginBlocks();
         if (filled) {
+            const MixingThreadMark mark;
             FillRing();
             m_edits.EndBlocks();
         }

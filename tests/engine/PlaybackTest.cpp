@@ -1,43 +1,26 @@
-#include "core/Paths.h"
 #include "core/Units.h"
-#include "engine/internal/Dsps.h"
 #include "engine/internal/Engine.h"
 #include "soundlayer/soundlayer.h"
+#include "tests/engine/NoiseFiles.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <filesystem>
-#include <map>
 #include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace velmora::engine {
 namespace {
 
-constexpr std::int32_t kRate = 44'100;
+constexpr std::int32_t kRate = NoiseFiles::kRate;
 using Samples = std::vector<std::int16_t>;
-
-/// Soft noise, its own for each seed, so that no two places sound alike.
-std::int16_t Noise(std::uint32_t seed, std::int64_t frame, std::uint32_t side)
-{
-    auto x = static_cast<std::uint32_t>(frame) * 2654435761U ^ (seed * 97U + side) * 2246822519U;
-    x ^= x >> 13;
-    x *= 3266489917U;
-    return static_cast<std::int16_t>(static_cast<std::int32_t>(x >> 20) - 2048);
-}
 
 /// The engine over one channel's mixer, mixed by hand, with noise files of ten seconds.
 class Playback : public ::testing::Test {
 protected:
     Playback()
     {
-        m_folder = std::filesystem::temp_directory_path() / ("velmora-playback-" + std::to_string(getpid()));
-        std::filesystem::create_directories(m_folder);
         BASS_SetConfig(BASS_CONFIG_BUFFER, 100);
         mixer = BASS_Mixer_StreamCreate(kRate, 2, BASS_STREAM_DECODE | BASS_MIXER_NONSTOP);
         engine.planner.Start();
@@ -47,22 +30,14 @@ protected:
     {
         engine.planner.Stop();
         BASS_StreamFree(mixer);
-        std::filesystem::remove_all(m_folder);
     }
 
-    std::string File(std::uint32_t seed)
-    {
-        const auto path = m_folder / (std::to_string(seed) + ".wav");
-        if (!std::filesystem::exists(path)) {
-            Write(path.string(), seed);
-        }
-        return core::InternalPath(path.string());
-    }
+    std::string File(std::uint32_t seed) const { return m_files.Path(seed); }
 
     void Put(std::int32_t id, EventRow row)
     {
         engine.planner.Edit([&](EngineTables& tables) { tables.PutEvent({1, id}, row); });
-        rows[id] = row;
+        rows[{1, id}] = row;
     }
 
     void Seek(std::int32_t ms)
@@ -88,61 +63,20 @@ protected:
         return all;
     }
 
-    /// What the clips without gain and fades sum up to at a frame of the timeline.
-    std::int16_t Expected(std::int64_t frame, std::uint32_t side) const
-    {
-        std::int32_t sum = 0;
-        for (const auto& [id, row] : rows) {
-            if (frame >= core::FrameOfMS(row.timePosMS, kRate) && frame < core::FrameOfMS(row.EndPosMS(), kRate)) {
-                const auto seed =
-                    static_cast<std::uint32_t>(std::stoul(row.filePath.substr(row.filePath.find_last_of('\\') + 1)));
-                const std::int64_t at = core::FileFrameAt(frame, row.timePosMS, row.startMS, kRate);
-                sum += at < 10 * kRate ? Noise(seed, at, side) : 0;
-            }
-        }
-        return static_cast<std::int16_t>(std::clamp(sum, -32'768, 32'767));
-    }
-
     void ExpectMix(const Samples& heard, std::int64_t fromFrame) const
     {
         for (std::size_t i = 0; i < heard.size(); ++i) {
             const std::int64_t frame = fromFrame + static_cast<std::int64_t>(i / 2);
-            ASSERT_EQ(heard[i], Expected(frame, i % 2)) << "frame " << frame;
+            ASSERT_EQ(heard[i], NoiseFiles::Sum(rows, frame, i % 2)) << "frame " << frame;
         }
     }
 
     Engine engine;
     HSTREAM mixer = 0;
-    std::map<std::int32_t, EventRow> rows;
+    NoiseFiles::Rows rows;
 
 private:
-    static void Write(const std::string& path, std::uint32_t seed)
-    {
-        struct Source {
-            std::uint32_t seed;
-            std::int64_t frame;
-        } source{seed, 0};
-        const HSTREAM stream = BASS_StreamCreate(
-            kRate, 2, BASS_STREAM_DECODE,
-            [](HSTREAM, void* buffer, std::uint32_t length, SOUND_USER user) {
-                auto& from = *reinterpret_cast<Source*>(user);
-                auto* out = static_cast<std::int16_t*>(buffer);
-                for (std::uint32_t i = 0; i < length / 4; ++i, ++from.frame) {
-                    out[2 * i] = Noise(from.seed, from.frame, 0);
-                    out[2 * i + 1] = Noise(from.seed, from.frame, 1);
-                }
-                return length;
-            },
-            reinterpret_cast<SOUND_USER>(&source));
-        const WAVEFORMATEX format{1, 2, kRate, kRate * 4, 4, 16, 0};
-        const HENCODE encoder = BASS_Encode_StartACMFile(stream, &format, 0, path.c_str());
-        Samples samples(std::size_t{2} * kRate * 10);
-        BASS_ChannelGetData(stream, samples.data(), static_cast<std::uint32_t>(samples.size() * 2));
-        BASS_Encode_Stop(encoder);
-        BASS_StreamFree(stream);
-    }
-
-    std::filesystem::path m_folder;
+    NoiseFiles m_files;
 };
 
 TEST_F(Playback, ClipsSoundAtTheirSampleInBlocksOfAnySize)
@@ -160,7 +94,8 @@ TEST_F(Playback, ClipsSoundAtTheirSampleInBlocksOfAnySize)
     EXPECT_EQ(engine.mixSide.MissedVoices(), 0U);
 
     // With gains and fades the blocks' size is not heard either.
-    for (auto [id, row] : rows) {
+    for (auto [key, row] : NoiseFiles::Rows(rows)) {
+        const std::int32_t id = key.eventId;
         row.gainFactor = 0.3 + id * 0.05;
         row.fadeInEndMS = id % 2 ? 333 : core::kUnset;
         row.fadeOutStartMS = id % 3 ? 250 : core::kUnset;
@@ -228,8 +163,8 @@ TEST_F(Playback, UnreadableFilesAreSilentAndTheRestPlaysOn)
     Put(1, {1.0, "Z:\\no\\such.wav", 0, 0, 5000, core::kUnset, core::kUnset});
     Put(2, {1.0, "C:\\elsewhere.wav", 0, 0, 5000, core::kUnset, core::kUnset});
     Put(3, {1.0, File(3), 0, 0, 5000, core::kUnset, core::kUnset});
-    rows.erase(1);
-    rows.erase(2);
+    rows.erase({1, 1});
+    rows.erase({1, 2});
     Seek(0);
     engine.Play();
     ExpectMix(Mix(kRate), 0);
