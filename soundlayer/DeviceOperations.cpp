@@ -218,3 +218,8 @@ uint64_t Sound_MissedFrames(void)
         return library.output ? library.output->MissedFrames() : 0;
     });
 }
+
+uint64_t Sound_LateFrames(void)
+{
+    return Library::Get().readAhead.LateFrames();
+}

@@ -196,6 +196,8 @@ SOUND_API void Sound_Retire(SOUND_RELEASEPROC* release, SOUND_USER user);
 SOUND_API int Sound_OnMixingThread(void);
 /// Frames that the device asked for in vain since it was started.
 SOUND_API uint64_t Sound_MissedFrames(void);
+/// Frames of files that were not decoded when the device's mix came to them; they were silent.
+SOUND_API uint64_t Sound_LateFrames(void);
 /// 0: none, or "No sound"; 1: sounding; 2: lost. The clock of a lost device goes on, and the layer tries each second to
 /// bring it back.
 SOUND_API int32_t Sound_DeviceState(void);

@@ -2,13 +2,6 @@
 
 namespace velmora::engine {
 
-void PlaybackClock::Advance(std::uint32_t frames)
-{
-    if (Playing()) {
-        m_frames.fetch_add(frames, std::memory_order_acq_rel);
-    }
-}
-
 std::int32_t PlaybackClock::TimeOf(std::int64_t frame, std::int32_t rate)
 {
     // The greatest t with floor(t x rate / 1000) <= frame.

@@ -14,8 +14,8 @@ public:
     void Pause() { m_playing.store(false, std::memory_order_release); }
     bool Playing() const { return m_playing.load(std::memory_order_acquire); }
 
-    /// Counts `frames` if the clock runs. [RT]
-    void Advance(std::uint32_t frames);
+    /// Counts frames that were mixed while it ran; a pause in mid-block is one after the block. [RT]
+    void Advance(std::uint32_t frames) { m_frames.fetch_add(frames, std::memory_order_acq_rel); }
     std::int64_t Frames() const { return m_frames.load(std::memory_order_acquire); }
     /// [RT]
     void SetFrames(std::int64_t frames) { m_frames.store(frames, std::memory_order_release); }

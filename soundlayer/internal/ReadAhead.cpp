@@ -27,6 +27,8 @@ void ReadBuffer::Seek(std::int64_t frame)
     m_source->Seek(frame);
     m_ring.Clear();
     m_sourceOver = false;
+    m_begun = false;
+    m_owed = 0;
 }
 
 void ReadBuffer::Fill(std::size_t frames)
@@ -46,6 +48,7 @@ Block ReadBuffer::Read(std::int16_t* out, std::size_t frames)
 {
     const std::size_t channels = m_source->Channels();
     const bool live = OnMixingThread();
+    DropOwed(out, frames);
     Block block;
     while (block.frames < frames) {
         // Asked before the ring is read: over and empty afterwards means that nothing comes any more.
@@ -70,12 +73,27 @@ Block ReadBuffer::Read(std::int16_t* out, std::size_t frames)
             m_sourceOver = read < wanted;
         }
     }
+    m_begun = m_begun || block.frames > 0;
+    // What plays from the start on its own may start late; what was under way must not be shifted.
+    if (live && m_begun && !block.ended && block.frames < frames) {
+        m_owed += frames - block.frames;
+        m_workers.AddLate(frames - block.frames);
+    }
     if (!block.ended && m_ring.Free() > m_ring.Capacity() / 4 && !m_sourceOver.load(std::memory_order_relaxed) &&
         (live || !m_workers.Alone())) {
         Request();
     }
     block.silent = block.frames == 0;
     return block;
+}
+
+void ReadBuffer::DropOwed(std::int16_t* scratch, std::size_t frames)
+{
+    std::size_t dropped = 1;
+    while (m_owed > 0 && dropped > 0) {
+        dropped = m_ring.Read(scratch, std::min(m_owed, frames));
+        m_owed -= dropped;
+    }
 }
 
 bool ReadBuffer::Service()

@@ -22,8 +22,8 @@ class ReadAhead;
 /// A file's frames, decoded ahead of whoever reads them.
 ///
 /// Workers fill a ring; the reader takes from it. On the mixing thread a read never touches the file: what is not
-/// decoded yet is missing. Elsewhere a read waits for the decoding, or does it itself, so that the frames read never
-/// depend on who decoded them.
+/// decoded yet is missing, and dropped when it comes, so that the rest keeps its place. Elsewhere a read waits for the
+/// decoding, or does it itself, so that the frames read never depend on who decoded them.
 class ReadBuffer : public std::enable_shared_from_this<ReadBuffer> {
 public:
     /// Some 740 ms at 44.1 kHz.
@@ -45,6 +45,7 @@ public:
 private:
     friend class ReadAhead;
 
+    void DropOwed(std::int16_t* scratch, std::size_t frames);
     /// Decodes one piece into the ring; false when it is full enough or the file is over.
     bool Service();
 
@@ -55,6 +56,9 @@ private:
     std::atomic<bool> m_sourceOver{false};
     std::atomic<bool> m_requested{false};
     ReadAhead& m_workers;
+    // Of the reader.
+    bool m_begun = false;
+    std::size_t m_owed = 0;
 };
 
 /// The workers that decode ahead. Requests come from the one thread that pulls and from the interface thread.
@@ -69,6 +73,9 @@ public:
     bool Alone() const { return m_threads.load(std::memory_order_relaxed) == 1; }
     /// [RT] on the mixing thread, where a full queue drops the request; the next read asks again.
     bool Request(std::shared_ptr<ReadBuffer> buffer);
+    /// Frames that the mixing thread found missing. [RT]
+    void AddLate(std::size_t frames) { m_late.fetch_add(frames, std::memory_order_relaxed); }
+    std::uint64_t LateFrames() const { return m_late.load(std::memory_order_relaxed); }
 
 private:
     void Start();
@@ -78,6 +85,7 @@ private:
 
     std::atomic<std::uint32_t> m_threads{1};
     std::atomic<bool> m_stopping{false};
+    std::atomic<std::uint64_t> m_late{0};
     std::counting_semaphore<> m_waiting{0};
     moodycamel::ReaderWriterQueue<std::shared_ptr<ReadBuffer>> m_fromMixer;
     moodycamel::ReaderWriterQueue<std::shared_ptr<ReadBuffer>> m_fromInterface;

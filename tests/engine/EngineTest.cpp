@@ -20,9 +20,6 @@ TEST(PlaybackClock, GivesBackEveryTimeAndDoesNotDrift)
         }
     }
     PlaybackClock clock;
-    clock.Advance(1000);
-    EXPECT_EQ(clock.Frames(), 0) << "a held clock does not move";
-    clock.Play();
     for (int block = 0; block < 10'000; ++block) {
         clock.Advance(441);
     }
