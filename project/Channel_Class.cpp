@@ -22,6 +22,7 @@ namespace velmora::project {
 namespace {
 
 constexpr std::int32_t kPriority = 80;
+constexpr core::ClassID kNoID = -1;
 
 } // namespace
 
@@ -107,9 +108,24 @@ persistence::SharedText Channel_Class::GetSharedXML() const
 bool Channel_Class::LoadXMLData(std::string_view xml, bool assignNewID, bool loadChildren, LoadContext& load)
 {
     auto reader = persistence::UTIL_XMLRead::WithMasterTag(xml);
-    core::ClassID statedID = -1;
+    return LoadXMLData(reader, assignNewID, loadChildren, load);
+}
+
+core::ClassID Channel_Class::StatedID(persistence::UTIL_XMLRead& reader)
+{
+    core::ClassID id = kNoID;
+    if (reader.MasterTagIs("channel_class")) {
+        reader.ReadElement("ID", id, kNoID);
+    }
+    return id;
+}
+
+bool Channel_Class::LoadXMLData(persistence::UTIL_XMLRead& reader, bool assignNewID, bool loadChildren,
+                                LoadContext& load)
+{
+    const core::ClassID statedID = StatedID(reader);
     std::int32_t statedMode = -1;
-    if (!reader.MasterTagIs("channel_class") || !reader.ReadElement("ID", statedID, -1) || statedID == -1) {
+    if (statedID == kNoID) {
         return false;
     }
     m_classID = assignNewID ? m_project.Environment().ids.Draw() : load.Adopt(statedID);
@@ -125,8 +141,6 @@ bool Channel_Class::LoadXMLData(std::string_view xml, bool assignNewID, bool loa
     }
 
     const SoundEdit edit;
-    FX->FX_Stop();
-    FX = NewEffects();
     if (!FX->LoadXMLData(reader.ReadRaw("FX").value_or(std::string_view()), assignNewID)) {
         return false;
     }

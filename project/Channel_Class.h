@@ -72,9 +72,12 @@ public:
 
     std::string GetXMLData() const { return GetSharedXML().Text(); }
     persistence::SharedText GetSharedXML() const;
+    /// The id in a channel's text; -1 in text of another kind.
+    static core::ClassID StatedID(persistence::UTIL_XMLRead& reader);
     /// Reads the settings and, with `loadChildren`, effects and clips. With `assignNewID` the channel gets a fresh id,
     /// else that of the text, if no other has it. On false the channel is half loaded; its owner drops it.
     bool LoadXMLData(std::string_view xml, bool assignNewID, bool loadChildren, LoadContext& load);
+    bool LoadXMLData(persistence::UTIL_XMLRead& reader, bool assignNewID, bool loadChildren, LoadContext& load);
 
     /// End of the last clip, ms.
     double Length() const;

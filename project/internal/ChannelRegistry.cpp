@@ -4,6 +4,8 @@
 #include "project/Channel_Class.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace velmora::project {
 
@@ -24,6 +26,20 @@ Channel_Class& ChannelRegistry::Add(std::int32_t mode)
     auto channel = std::make_unique<Channel_Class>(m_project);
     channel->SetChannelMode(mode);
     return *TableOf(mode).emplace_back(std::move(channel));
+}
+
+ChannelRegistry::Table ChannelRegistry::TakeOut()
+{
+    Table all = std::exchange(m_music, {});
+    std::ranges::move(m_voice, std::back_inserter(all));
+    Clear();
+    return all;
+}
+
+Channel_Class& ChannelRegistry::PutBack(std::unique_ptr<Channel_Class> channel)
+{
+    Table& table = TableOf(channel->ChannelMode());
+    return *table.emplace_back(std::move(channel));
 }
 
 void ChannelRegistry::Remove(core::ClassID id)

@@ -29,6 +29,10 @@ public:
 
     /// A new channel of `mode` at the end of its table.
     Channel_Class& Add(std::int32_t mode);
+    /// Takes all channels out; they go on sounding.
+    Table TakeOut();
+    /// Brings one that was taken out to the end of its table.
+    Channel_Class& PutBack(std::unique_ptr<Channel_Class> channel);
     void Remove(core::ClassID id);
     /// The one made last of `mode`, whatever it has become.
     void RemoveLast(std::int32_t mode);

@@ -11,9 +11,11 @@
 #include "project/ProjectFile_Class.h"
 #include "project/internal/ChannelRegistry.h"
 #include "project/internal/ItemNumbers.h"
+#include "project/internal/SoundEdit.h"
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace velmora::project {
 namespace {
@@ -69,7 +71,9 @@ bool ProjectText::LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecor
     if (!reader.MasterTagIs("projectfile_class")) {
         return false;
     }
-    m_channels.Clear();
+    // A channel that stays keeps its mixers, and nothing is heard of it.
+    const SoundEdit edit;
+    ChannelRegistry::Table earlier = m_channels.TakeOut();
     if (loadIDs) {
         core::ClassID stated = -1;
         reader.ReadElement("ID", stated, -1);
@@ -77,8 +81,8 @@ bool ProjectText::LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecor
     }
     LoadParts(reader, loadRecorder, load);
     RowBudget budget(xml);
-    const Count music = LoadChannels(reader, Channel_Class::kMusic, budget, load);
-    const Count voice = LoadChannels(reader, Channel_Class::kVoice, budget, load);
+    const Count music = LoadChannels(reader, Channel_Class::kMusic, earlier, budget, load);
+    const Count voice = LoadChannels(reader, Channel_Class::kVoice, earlier, budget, load);
     const std::int64_t total = music.stated + voice.stated;
     const std::int64_t failed = total - music.loaded - voice.loaded;
     if (failed > 0) {
@@ -113,8 +117,8 @@ void ProjectText::LoadParts(persistence::UTIL_XMLRead& reader, bool loadRecorder
     }
 }
 
-ProjectText::Count ProjectText::LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, RowBudget& budget,
-                                             LoadContext& load)
+ProjectText::Count ProjectText::LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode,
+                                             ChannelRegistry::Table& earlier, RowBudget& budget, LoadContext& load)
 {
     std::int32_t stated = 0;
     bool whole = reader.ReadElement(CountOf(mode), stated, 0);
@@ -125,8 +129,9 @@ ProjectText::Count ProjectText::LoadChannels(persistence::UTIL_XMLRead& reader, 
         if (!text || text->empty()) {
             continue;
         }
-        Channel_Class& channel = m_channels.Add(mode);
-        if (channel.LoadXMLData(*text, false, true, load) && channel.ChannelMode() == mode) {
+        auto channelReader = persistence::UTIL_XMLRead::WithMasterTag(*text);
+        Channel_Class& channel = ChannelFor(Channel_Class::StatedID(channelReader), mode, earlier);
+        if (channel.LoadXMLData(channelReader, false, true, load) && channel.ChannelMode() == mode) {
             ++count.loaded;
         } else {
             m_channels.RemoveLast(mode);
@@ -137,6 +142,14 @@ ProjectText::Count ProjectText::LoadChannels(persistence::UTIL_XMLRead& reader, 
         load.CountLoss();
     }
     return count;
+}
+
+Channel_Class& ProjectText::ChannelFor(core::ClassID id, std::int32_t mode, ChannelRegistry::Table& earlier)
+{
+    const auto found = std::ranges::find_if(earlier, [id, mode](const auto& channel) {
+        return channel && channel->ClassID() == id && channel->ChannelMode() == mode;
+    });
+    return found == earlier.end() ? m_channels.Add(mode) : m_channels.PutBack(std::move(*found));
 }
 
 } // namespace velmora::project

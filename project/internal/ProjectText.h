@@ -2,6 +2,7 @@
 
 #include "core/ClassIds.h"
 #include "persistence/SharedText.h"
+#include "project/internal/ChannelRegistry.h"
 
 #include <cstdint>
 #include <string>
@@ -14,7 +15,6 @@ class UTIL_XMLWrite;
 
 namespace velmora::project {
 
-class ChannelRegistry;
 class LoadContext;
 class ProjectFile_Class;
 class RowBudget;
@@ -40,7 +40,10 @@ private:
     };
 
     void WriteChannels(persistence::UTIL_XMLWrite& writer, std::int32_t mode) const;
-    Count LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, RowBudget& budget, LoadContext& load);
+    /// `earlier`: channels taken out; one that the text names goes on, the others stay there.
+    Count LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, ChannelRegistry::Table& earlier,
+                       RowBudget& budget, LoadContext& load);
+    Channel_Class& ChannelFor(core::ClassID id, std::int32_t mode, ChannelRegistry::Table& earlier);
     void LoadParts(persistence::UTIL_XMLRead& reader, bool loadRecorder, LoadContext& load);
 
     ProjectFile_Class& m_project;
