@@ -17,7 +17,9 @@
 namespace velmora::project {
 namespace {
 
-constexpr int kClips = 1000;
+constexpr std::int32_t kClips = 1000;
+constexpr std::int32_t kChannels = 5;
+constexpr std::int32_t kFirstEventID = 10;
 
 class Song {
 public:
@@ -30,7 +32,7 @@ public:
         m_project->CreateNewProject();
         for (int i = 0; i < kClips; ++i) {
             core::MsgParametersClass params;
-            params.ChannelID = m_project->Chn_GetChannelObj_by_Index(i % 5)->ClassID();
+            params.ChannelID = m_project->Chn_GetChannelObj_by_Index(i % kChannels)->ClassID();
             params.TimePosMS = 1000.0 * i;
             params.EventOBJ = std::make_shared<CDC_Event_Wave_Class>();
             params.EventOBJ->FilePath = "a" + std::to_string(i) + "- Record 1.wav";
@@ -42,19 +44,22 @@ public:
 
     ProjectFile_Class& Project() { return *m_project; }
 
-    void MoveFirstClip(std::int32_t deltaMS)
+    /// Moves a clip, each time another one, past its neighbours.
+    void MoveAClip()
     {
         core::MsgParametersClass params;
-        params.ChannelID = m_project->Chn_GetChannelObj_by_Index(0)->ClassID();
-        params.EventID = 10;
-        params.NewTimePosMS = deltaMS;
+        params.ChannelID = m_project->Chn_GetChannelObj_by_Index(m_moves % kChannels)->ClassID();
+        params.EventID = kFirstEventID + m_moves / kChannels % (kClips / kChannels);
+        params.NewTimePosMS = 12'345;
         m_project->MsgSender->SendMsg(-1, core::Msg_EventEdit_Move, params);
+        ++m_moves;
     }
 
 private:
     testing::TestEnvironment m_environment;
     std::unique_ptr<audio::SoundSession> m_session;
     std::unique_ptr<ProjectFile_Class> m_project;
+    std::int32_t m_moves = 0;
 };
 
 void WriteText(benchmark::State& state)
@@ -77,12 +82,10 @@ void ReadText(benchmark::State& state)
 void TakeStep(benchmark::State& state)
 {
     Song song;
-    std::int32_t delta = 1;
     for ([[maybe_unused]] auto _ : state) {
         song.Project().Undo->AddUndo("move event", kUndoProject);
         state.PauseTiming();
-        song.MoveFirstClip(delta);
-        delta = -delta;
+        song.MoveAClip();
         state.ResumeTiming();
     }
     state.counters["bytes_100_steps"] = static_cast<double>(song.Project().Undo->BytesHeld());
@@ -96,7 +99,7 @@ void RestoreStep(benchmark::State& state)
 {
     Song song;
     song.Project().Undo->AddUndo("move event", kUndoProject);
-    song.MoveFirstClip(1);
+    song.MoveAClip();
     bool back = true;
     for ([[maybe_unused]] auto _ : state) {
         back ? song.Project().Undo->Undo() : song.Project().Undo->Redo();
