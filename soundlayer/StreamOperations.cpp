@@ -251,7 +251,8 @@ double BASS_ChannelBytes2Seconds(uint32_t handle, uint64_t position)
         if (!stream) {
             return -1.0;
         }
-        return static_cast<double>(position / FrameBytes(*stream)) / stream->Rate();
+        const std::uint64_t frames = position / FrameBytes(*stream);
+        return static_cast<double>(frames) / stream->Rate();
     });
 }
 

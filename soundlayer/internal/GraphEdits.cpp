@@ -100,7 +100,7 @@ void GraphEdits::Submit()
         TryApply();
         FreeApplied();
     }
-    batch.release();
+    static_cast<void>(batch.release());
     m_submitted.fetch_add(1, std::memory_order_release);
     TryApply();
     FreeApplied();
