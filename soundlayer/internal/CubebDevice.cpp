@@ -38,7 +38,7 @@ bool CubebDevice::Start(std::uint32_t rate, Callback callback)
     cubeb_stream_params params{CUBEB_SAMPLE_S16NE, rate, 2, CUBEB_LAYOUT_STEREO, CUBEB_STREAM_PREF_NONE};
     std::uint32_t least = 0;
     cubeb_get_min_latency(m_context.get(), &params, &least);
-    m_minBufferMS = std::max(kLeastBufferMS, 2 * 1000 * least / rate);
+    m_minBufferMS = std::max(kLeastBufferMS, 2 * ((1000 * least + rate - 1) / rate));
     m_started = Clock::now();
 
     cubeb_stream* stream = nullptr;

@@ -153,13 +153,12 @@ void SurvivingDevice::Drop(std::unique_lock<std::mutex>& lock)
 {
     const std::shared_ptr<AudioDevice> device = std::move(m_device);
     m_device = nullptr;
+    const bool failedToArrive = m_standIn && m_wantedMS == m_deviceMS;
     m_state = DeviceState::Lost;
     lock.unlock();
-    if (m_standIn) {
-        m_nextTry = Clock::now() + m_times.retry;
-    } else {
-        // Another device may have become the default, or only the length changes.
-        m_nextTry = Clock::now();
+    // Another device may have become the default, or only the length changes: then the next try is at once.
+    m_nextTry = Clock::now() + (failedToArrive ? m_times.retry : Clock::duration::zero());
+    if (!m_standIn) {
         m_standIn = m_makeStandIn(std::max(Silence(), Clock::duration::zero()));
         m_turn = Side::StandIn;
         m_standIn->Start(m_rate, [this](std::int16_t* out, std::size_t frames) { OnCall(Side::StandIn, out, frames); });

@@ -76,9 +76,9 @@ bool ScriptedProgress::Update(std::int64_t positionMS, std::int64_t totalMS, std
     return positionMS != cancelAtMS;
 }
 
-SoundTest::SoundTest()
+SoundTest::SoundTest(std::int16_t outputDevice)
 {
-    m_environment->config.Global_OutputDevice = 0;
+    m_environment->config.Global_OutputDevice = outputDevice;
     m_session = SoundSession::Start(*m_environment);
     m_project = std::make_unique<project::ProjectFile_Class>(*m_environment);
     m_project->InitializeClass();
@@ -102,8 +102,9 @@ void SoundTest::Listen(std::int32_t priority, std::function<void(std::int32_t ms
     m_project->MsgSender->Add_MsgHandlerOBJ(priority, m_listeners.back());
 }
 
-ExportTest::ExportTest()
-    : m_channel(&AddChannel())
+ExportTest::ExportTest(std::int16_t outputDevice)
+    : SoundTest(outputDevice)
+    , m_channel(&AddChannel())
     , m_export(std::make_unique<AudioExport>(*m_environment, *m_project, m_progress))
 {
     m_export->SampleRate = 44100;

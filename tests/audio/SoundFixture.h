@@ -43,10 +43,10 @@ public:
     std::int64_t cancelAtMS = -1;
 };
 
-/// An empty project on the device without ears.
+/// An empty project on the device without ears, or on another one.
 class SoundTest : public ::testing::Test {
 protected:
-    SoundTest();
+    explicit SoundTest(std::int16_t outputDevice = 0);
 
     core::MsgParametersClass Send(std::int32_t msgID, double channelID, double value, const std::string& text = {});
     /// Hears every message at `priority`.
@@ -63,7 +63,7 @@ private:
 /// A project with one music channel at full volume, to be exported.
 class ExportTest : public SoundTest {
 protected:
-    ExportTest();
+    explicit ExportTest(std::int16_t outputDevice = 0);
 
     project::Channel_Class& AddChannel(std::int32_t volume = 100);
     project::CDC_Event_Wave_Class& AddClip(project::Channel_Class& channel, const std::string& file, double timeMS,
