@@ -28,7 +28,7 @@ run asan-ubsan -L 'unit|golden'
 
 step "Thread sanitizer"
 scripts/build.sh tsan
-run tsan -L stress
+run tsan -L 'stress|device'
 
 step "Format, layers, clang-tidy"
 scripts/check.sh
