@@ -2,9 +2,9 @@
 # Installs the Debian packages that a script needs, if any is missing: install-packages.sh build|test|bench
 set -euo pipefail
 
-build=(g++ cmake ninja-build ccache pkg-config libavformat-dev libavcodec-dev libavutil-dev libsoxr-dev libsndfile1-dev
-    libreaderwriterqueue-dev libcubeb-dev libasound2-dev libgtest-dev libgmock-dev libbenchmark-dev)
-test=("${build[@]}" sox ffmpeg python3 python3-numpy pulseaudio pulseaudio-utils clang-format clang-tidy)
+build=(g++ cmake ninja-build ccache pkg-config python3 libavformat-dev libavcodec-dev libavutil-dev libsoxr-dev
+    libsndfile1-dev libreaderwriterqueue-dev libcubeb-dev libasound2-dev libgtest-dev libgmock-dev libbenchmark-dev)
+test=("${build[@]}" sox ffmpeg python3-numpy pulseaudio pulseaudio-utils clang-format clang-tidy)
 bench=("${test[@]}" ecasound)
 
 case "${1:-}" in
