@@ -97,7 +97,10 @@ void AudioPlayer_Class::MsgHandler_MsgReceived(std::int32_t MsgID, core::MsgPara
         UTIL_AddUpdateEvent(Params.ChannelID, Params.EventID);
         break;
     case core::Msg_EventEdit_MoveVertical:
-        removeEvent(EngineID(Params.FromChannelID), Params.EventID);
+        // It stays where it was when the two are one channel, or the other is gone.
+        if (!m_project.util_EventExists(Params.FromChannelID, Params.EventID)) {
+            removeEvent(EngineID(Params.FromChannelID), Params.EventID);
+        }
         UTIL_AddUpdateEvent(Params.ToChannelID, Params.NewEventID);
         break;
     case core::Msg_EventEdit_Split:

@@ -143,6 +143,7 @@ void Library::FreeEverything()
     for (const auto& object : handles.All()) {
         FreeStream(object->Handle());
     }
+    readAhead.Stop();
 }
 
 } // namespace velmora::soundlayer

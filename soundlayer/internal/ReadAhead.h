@@ -71,6 +71,8 @@ public:
     void SetThreads(std::uint32_t threads);
     /// Nobody but the puller decodes for an offline pull.
     bool Alone() const { return m_threads.load(std::memory_order_relaxed) == 1; }
+    /// Ends the workers; the next request from elsewhere than the mixing thread brings them back.
+    void Stop();
     /// [RT] on the mixing thread, where a full queue drops the request; the next read asks again.
     bool Request(std::shared_ptr<ReadBuffer> buffer);
     /// Frames that the mixing thread found missing. [RT]
@@ -79,7 +81,6 @@ public:
 
 private:
     void Start();
-    void Stop();
     void Work();
     std::shared_ptr<ReadBuffer> Next();
 

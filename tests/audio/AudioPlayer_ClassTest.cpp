@@ -290,6 +290,15 @@ TEST_F(EngineFollows, EveryMessageThatChangesClips)
     }
     Edit(core::Msg_EventEdit_Move, [](Params& p) { p.EventID = 4711; });
     EXPECT_EQ(Engine(), before);
+    // Nowhere to go: it stays.
+    for (const double target : {Music(0).ClassID(), 4711.0}) {
+        Edit(core::Msg_EventEdit_MoveVertical, [&](Params& p) {
+            p.FromChannelID = Music(0).ClassID();
+            p.ToChannelID = target;
+            p.EventID = Music(0).ChannelData->GetFirstEvent_ID();
+        });
+        EXPECT_EQ(Engine(), before);
+    }
     Edit(core::Msg_ClearChannel);
     EXPECT_EQ(Engine(), Model());
     EXPECT_EQ(Engine().size(), 1U) << "what moved to the other channel";
