@@ -18,6 +18,8 @@ from golden_mix import Mixer, lag
 from measure import Run, interleaved
 from velmora_project import Channel, Clip, Project, audio_folder, read_wav
 
+OURS = "velmora-render"
+
 
 def main():
     programs, work = sys.argv[1:3]
@@ -27,12 +29,27 @@ def main():
     project = bench_project.make(song)
     folder = audio_folder(song)
     converted = os.path.join(work, "ecasound")
-    peers.ecasound_files(folder, converted)
+    convert = peers.ecasound_files(folder, converted)
+    Run(convert)
 
     print(f"{time.strftime('%Y-%m-%d')}, {machine()}; medians of {rounds} interleaved runs.\n")
     render = os.path.join(programs, "velmora-render")
-    compare_mixers(project, song, folder, converted, render, os.path.join(programs, "velmora-decode-bench"), work,
-                   rounds)
+    clips = [clip for channel in project.channels for clip in channel.clips]
+    stretches = "".join(f"{clip.start}\t{clip.length}\t{os.path.join(folder, clip.file)}\n" for clip in clips).encode()
+    decoder = os.path.join(programs, "velmora-decode-bench")
+    compare_mixers({
+        OURS: ([render, song, out(work, OURS)], b""),
+        OURS + ", 1 thread": ([render, "--threads", "1", song, out(work, OURS)], b""),
+        "ffmpeg": (peers.ffmpeg_command(project, folder, out(work, "ffmpeg")), b""),
+        "WMA to WAV for ecasound": (convert, b""),
+        "ecasound, linear": (peers.ecasound_command(project, converted, out(work, "ecasound linear"), "resample-lq"),
+                             b""),
+        "decoding alone, 1 thread": ([decoder, "0"], stretches),
+        "decoding and resampling, 1 thread": ([decoder, "44100"], stretches),
+    }, {
+        # Many times slower than the rest, so once is enough.
+        "ecasound": (peers.ecasound_command(project, converted, out(work, "ecasound")), b""),
+    }, rounds)
     compare_mixes(project, folder, work)
     measure_memory(render, work)
     compare_loads(os.path.join(programs, "velmora-load-bench"), folder, work, rounds)
@@ -44,23 +61,9 @@ def machine():
     return f"{name}, {len(os.sched_getaffinity(0))} cores, Linux {platform.release()}"
 
 
-def compare_mixers(project, song, folder, converted, render, decoder, work, rounds):
-    clips = [clip for channel in project.channels for clip in channel.clips]
-    stretches = "".join(f"{clip.start}\t{clip.length}\t{os.path.join(folder, clip.file)}\n" for clip in clips).encode()
-    ours = "velmora-render"
-    results = interleaved({
-        ours: ([render, song, out(work, ours)], b""),
-        ours + " --threads 1": ([render, "--threads", "1", song, out(work, ours)], b""),
-        "ffmpeg": (peers.ffmpeg_command(project, folder, out(work, "ffmpeg")), b""),
-        "ecasound, linear": (peers.ecasound_command(project, converted, out(work, "ecasound linear"), "resample-lq"),
-                             b""),
-        "decoding alone": ([decoder, "0"], stretches),
-        "decoding and resampling": ([decoder, "44100"], stretches),
-    }, rounds)
-    # Twenty times slower than the rest, so once is enough.
-    results.update(interleaved({
-        "ecasound": (peers.ecasound_command(project, converted, out(work, "ecasound")), b"")}, 1))
-    own = results[ours]
+def compare_mixers(commands, slow_commands, rounds):
+    results = {**interleaved(commands, rounds), **interleaved(slow_commands, 1)}
+    own = results[OURS]
     print("| Program | user CPU s | system s | wall s | peak MB | user / ours | wall / ours |")
     print("|---|---|---|---|---|---|---|")
     for name, one in results.items():
@@ -79,7 +82,7 @@ def compare_mixes(project, folder, work):
     quiet = slack.max(axis=1) == 0
     print("| Mix of | lag, frames | error outside fades, steps of 16 bits: RMS | worst | signal RMS |")
     print("|---|---|---|---|---|")
-    for name in ("velmora-render", "ffmpeg", "ecasound", "ecasound linear"):
+    for name in (OURS, "ffmpeg", "ecasound", "ecasound linear"):
         samples = read_wav(out(work, name))[0]
         size = min(len(samples), len(expected))
         error = np.abs(samples[:size] - expected[:size])[quiet[:size]]

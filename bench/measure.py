@@ -1,8 +1,10 @@
 """Runs whole programs and tells what each took."""
 
+import json
 import os
 import statistics
 import subprocess
+import sys
 import time
 
 
@@ -10,21 +12,14 @@ class Run:
     """One run of a command: wall clock and user and system CPU in s, peak memory in MB, and what it printed."""
 
     def __init__(self, command, stdin=b""):
-        begun = time.monotonic()
-        with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as child:
-            if stdin:
-                child.stdin.write(stdin)
-            child.stdin.close()
-            self.output = child.stdout.read().decode()
-            errors = child.stderr.read().decode(errors="replace")
-            _, status, usage = os.wait4(child.pid, 0)
-            child.returncode = os.waitstatus_to_exitcode(status)
-        self.wall = time.monotonic() - begun
-        self.user = usage.ru_utime
-        self.system = usage.ru_stime
-        self.memory = usage.ru_maxrss / 1024
-        if child.returncode != 0:
-            raise RuntimeError(f"{command[0]} ended with {child.returncode}: {errors[-500:]}")
+        # A process counts the memory of the one that it was forked from as its own peak. So a small one starts it.
+        launcher = [sys.executable, "-I", "-S", os.path.abspath(__file__), *command]
+        result = subprocess.run(launcher, input=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        errors = result.stderr.decode(errors="replace").splitlines()
+        if result.returncode != 0:
+            raise RuntimeError(f"{command[0]} ended with {result.returncode}: {errors[-5:]}")
+        self.output = result.stdout.decode()
+        self.wall, self.user, self.system, self.memory = json.loads(errors[-1])
 
 
 class Medians:
@@ -42,3 +37,16 @@ def interleaved(commands, times):
         for name, (command, stdin) in commands.items():
             runs[name].append(Run(command, stdin))
     return {name: Medians(of_one) for name, of_one in runs.items()}
+
+
+def launch(command):
+    """Runs a command in place of this process; its figures follow its own words on standard error."""
+    begun = time.monotonic()
+    _, status, usage = os.wait4(os.posix_spawnp(command[0], command, os.environ), 0)
+    wall = time.monotonic() - begun
+    sys.stderr.write("\n" + json.dumps([wall, usage.ru_utime, usage.ru_stime, usage.ru_maxrss / 1024]) + "\n")
+    return os.waitstatus_to_exitcode(status)
+
+
+if __name__ == "__main__":
+    sys.exit(launch(sys.argv[1:]))

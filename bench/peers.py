@@ -2,10 +2,8 @@
 
 import functools
 import os
-import shutil
 
 import velmora_project
-from velmora_project import decode, write_wav
 
 probe = functools.lru_cache(maxsize=None)(velmora_project.probe)
 
@@ -57,18 +55,17 @@ def pan_factors(channel):
 
 
 def ecasound_files(folder, into):
-    """Copies for ecasound, which reads no WMA: those as WAV, decoded by ffmpeg. What that takes is not counted."""
+    """The files as ecasound reads them, which takes no WMA: those as WAV. The conversion of all of them as a shell
+    command."""
     os.makedirs(into, exist_ok=True)
+    convert = "set -e"
     for name in sorted(os.listdir(folder)):
+        path = os.path.join(folder, name)
         if name.endswith(".wma"):
-            target = os.path.join(into, name + ".wav")
-            if not os.path.exists(target):
-                path = os.path.join(folder, name)
-                write_wav(target, decode(path), int(probe(path, "sample_rate")))
-        elif name.endswith((".wav", ".mp3")):
-            target = os.path.join(into, name)
-            if not os.path.exists(target):
-                shutil.copyfile(os.path.join(folder, name), target)
+            convert += f"; ffmpeg -v error -nostdin -y -i '{path}' '{os.path.join(into, name)}.wav'"
+        elif name.endswith((".wav", ".mp3")) and not os.path.exists(os.path.join(into, name)):
+            os.link(path, os.path.join(into, name))
+    return ["sh", "-c", convert]
 
 
 def ecasound_command(project, folder, out, resampler="resample", buffer=1024):
