@@ -26,11 +26,13 @@ class CommandLineTest(RenderTest):
         return Project([Channel([Clip("a.wav", 0, 0, 1500), Clip("b.mp3", 700, 0, 1900)])])
 
     def fails(self, code, *arguments, saying, **options):
-        """The program ends with `code` and one or more lines that hold each of `saying`."""
+        """The program ends with `code` and one or more lines of its own that hold each of `saying`."""
         result = self.run_program(*arguments, **options)
         self.assertEqual(result.returncode, code, result.stderr)
         for text in [saying] if isinstance(saying, str) else saying:
             self.assertIn(text, result.stderr)
+        for line in result.stderr.splitlines():
+            self.assertRegex(line, "^(velmora-render: .*|Try 'velmora-render --help'.)$")
         self.assertEqual(result.stdout, "")
 
     def write_earlier(self, name="mix.wav"):
