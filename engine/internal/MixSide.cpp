@@ -77,6 +77,13 @@ void MixSide::TakePlan()
     }
     m_plan = plan;
     if (plan->jumpTo >= 0) {
+        // A voice that sounds on was meant for a clock that stands there already; a block may have come between.
+        for (const auto& voice : plan->voices) {
+            if (plan->jumpTo != clock.Frames() && voice->Started()) {
+                voice->Miss();
+                m_missedVoices.fetch_add(1, std::memory_order_relaxed);
+            }
+        }
         clock.SetFrames(plan->jumpTo);
         m_seeksDone.store(plan->seek, std::memory_order_release);
     }

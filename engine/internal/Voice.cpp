@@ -115,6 +115,12 @@ void Voice::End()
     m_ended = true;
 }
 
+void Voice::Miss()
+{
+    End();
+    m_missed.store(true, std::memory_order_release);
+}
+
 std::int64_t Voice::EndFrame() const
 {
     return std::min(m_endFrame, m_cutFrame.load(std::memory_order_acquire));

@@ -44,6 +44,8 @@ public:
     void Resume();
     /// Silent for good. [RT]
     void End();
+    /// Silent, because it is not where the clock is; a new one is made in its place. [RT]
+    void Miss();
 
     /// The plan that last held it; of the mixing thread.
     std::uint64_t plan = 0;

@@ -4,8 +4,10 @@
 #include "tests/engine/NoiseFiles.h"
 
 #include <algorithm>
+#include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -133,6 +135,28 @@ TEST_F(Playback, ASeekGivesWhatPlayingThereGives)
     engine.Play();
     engine.planner.Settle();
     ExpectMix(Mix(4000), core::FrameOfMS(1000, kRate) + 500);
+}
+
+TEST_F(Playback, AJumpThatComesABlockLateShiftsNoVoiceThatSounds)
+{
+    MixSide side;
+    const ClipToPlay clip{{1, 1}, {1.0, File(1), 0, 0, 5000, core::kUnset, core::kUnset}, mixer};
+    const auto voice = std::make_shared<Voice>(clip, 0, kRate);
+    const auto jump = [&](std::int64_t to) {
+        auto plan = std::make_unique<PlaybackPlan>();
+        plan->voices = {voice};
+        plan->jumpTo = to;
+        side.Publish(std::move(plan));
+        side.BeforeBlock(512);
+    };
+    side.Play(0);
+    jump(0);
+    jump(512);
+    EXPECT_TRUE(voice->Started());
+    EXPECT_FALSE(voice->Missed());
+    jump(512);
+    EXPECT_TRUE(voice->Missed());
+    EXPECT_EQ(side.MissedVoices(), 1U);
 }
 
 TEST_F(Playback, EditsAreHeardWhileItPlays)
