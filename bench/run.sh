@@ -5,10 +5,11 @@ cd "$(dirname "$0")/.."
 scripts/install-packages.sh bench
 cmake --preset release >/dev/null
 cmake --build --preset release --target velmora-render velmora-decode-bench velmora-load-bench velmora-bus-bench \
-    velmora-undo-bench velmora-live-bench
+    velmora-undo-bench velmora-live-bench velmora-engine-bench
 python=python3
 /usr/bin/python3 -c 'import numpy' 2>/dev/null && python=/usr/bin/python3
 "$python" -B bench/bench.py build/release/bin build/bench "${1:-3}"
 build/release/bin/velmora-bus-bench
 build/release/bin/velmora-undo-bench
 build/release/bin/velmora-live-bench
+build/release/bin/velmora-engine-bench
