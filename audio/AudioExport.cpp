@@ -148,7 +148,7 @@ AudioExport::Ending AudioExport::Export()
                                                          : "frmExportAudio::StartExport\nError starting encoder"};
     }
     ClipSchedule schedule(std::move(clips), rate);
-    const LoopEnd end = sounds ? FastExport(schedule, master, meter) : LoopEnd::NoSound;
+    const LoopEnd end = sounds ? FastExport(schedule, master, meter, file) : LoopEnd::NoSound;
     m_unreadableFiles.assign(schedule.UnreadableFiles().begin(), schedule.UnreadableFiles().end());
     if (end == LoopEnd::NoSound) {
         return {Outcome::Failed, "frmExportAudio::FastExport\nThe mix gives no sound (error code: " +
@@ -169,7 +169,8 @@ AudioExport::Ending AudioExport::Export()
                                      : Ending{Outcome::Done, "Done", core::Icon::Information, "Export project"};
 }
 
-AudioExport::LoopEnd AudioExport::FastExport(ClipSchedule& clips, OfflineMaster& master, const MeteredStream& meter)
+AudioExport::LoopEnd AudioExport::FastExport(ClipSchedule& clips, OfflineMaster& master, const MeteredStream& meter,
+                                             const ExportFile& file)
 {
     const std::int32_t rate = m_environment.config.BassDevice_Freq;
     const std::int64_t endMS = clips.EndMS();
@@ -188,6 +189,9 @@ AudioExport::LoopEnd AudioExport::FastExport(ClipSchedule& clips, OfflineMaster&
             m_environment.ports.pendingEvents.Run();
             if ((!goOn || m_stopRequested) && timeMS < endMS) {
                 return LoopEnd::Cancelled;
+            }
+            if (file.Failed()) { // `ExportFile::Finish` will say so
+                return LoopEnd::Finished;
             }
         }
     }

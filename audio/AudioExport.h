@@ -20,6 +20,7 @@ namespace velmora::audio {
 struct ExportClip;
 class ClipSchedule;
 class MeteredStream;
+class ExportFile;
 class OfflineMaster;
 
 /// Shows how far an export has come.
@@ -85,7 +86,7 @@ private:
 
     void Run();
     Ending Export();
-    LoopEnd FastExport(ClipSchedule& clips, OfflineMaster& master, const MeteredStream& meter);
+    LoopEnd FastExport(ClipSchedule& clips, OfflineMaster& master, const MeteredStream& meter, const ExportFile& file);
     std::vector<ExportClip> Clips() const;
     bool OverwritesSource(const std::vector<ExportClip>& clips) const;
     void Send(std::int32_t msgID, core::MsgParametersClass& params);

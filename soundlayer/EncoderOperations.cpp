@@ -99,6 +99,12 @@ int Sound_WMA_EncodeSetInput(HWMENCODE encoder, uint32_t freq, uint32_t chans)
     });
 }
 
+int Sound_EncodeFailed(uint32_t encoder)
+{
+    const EncoderSession* session = Library::Get().FindEncoder(encoder);
+    return session && session->Failed() ? 1 : 0;
+}
+
 int BASS_WMA_EncodeWrite(HWMENCODE encoder, const void* buffer, uint32_t length)
 {
     return Operation(0, [&] {

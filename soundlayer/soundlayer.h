@@ -182,6 +182,8 @@ SOUND_API int Sound_ClipPrepare(HSTREAM clip, uint32_t frames);
 SOUND_API int Sound_SetRunning(HSTREAM source, int running);
 /// The format of what `BASS_WMA_EncodeWrite` is given; until this is called, the file's own. Before the first write.
 SOUND_API int Sound_WMA_EncodeSetInput(HWMENCODE encoder, uint32_t freq, uint32_t chans);
+/// 1 once the encoder's file no longer holds all it was given; what comes after is dropped.
+SOUND_API int Sound_EncodeFailed(uint32_t encoder);
 /// How many threads share an offline pull and decode ahead, at least 1; 0 is one per core, the default.
 SOUND_API void Sound_SetThreads(uint32_t threads);
 /// The one heartbeat of the device; null takes it away.

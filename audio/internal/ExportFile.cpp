@@ -78,6 +78,11 @@ bool ExportFile::Begin()
     return m_wmaDsp != 0;
 }
 
+bool ExportFile::Failed() const
+{
+    return Sound_EncodeFailed(m_wavEncoder != 0 ? m_wavEncoder : m_wmaEncoder) != 0;
+}
+
 bool ExportFile::Finish()
 {
     if (!Close() || !m_files.Replace(m_temporary, m_target)) {

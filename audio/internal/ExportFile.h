@@ -28,6 +28,8 @@ public:
     /// Creates the file; what is pulled goes into it from `Begin` on. False leaves a code in the sound layer.
     bool Open(const ExportFormat& format);
     bool Begin();
+    /// The file no longer holds all that was pulled, so it is of no use to go on.
+    bool Failed() const;
     /// Closes the file and gives it its name. False if not all was written; an earlier file still stands then.
     bool Finish();
 

@@ -47,13 +47,20 @@ void EncoderSession::Take(const std::int16_t* interleaved, std::size_t frames)
     }
     const std::lock_guard lock(m_writing);
     Drain();
-    m_encoder->Write({interleaved, frames * m_input.channels});
+    Write(interleaved, frames);
+}
+
+void EncoderSession::Write(const std::int16_t* interleaved, std::size_t frames)
+{
+    if (!m_encoder->Write({interleaved, frames * m_input.channels})) {
+        m_lost.store(true, std::memory_order_relaxed);
+    }
 }
 
 void EncoderSession::Drain()
 {
     while (const std::size_t frames = m_ring->Read(m_piece.data(), kPieceFrames)) {
-        m_encoder->Write({m_piece.data(), frames * m_input.channels});
+        Write(m_piece.data(), frames);
     }
 }
 

@@ -29,6 +29,8 @@ public:
     /// Before the first block only.
     void SetInput(AudioFormat input);
     const AudioFormat& Input() const { return m_input; }
+    /// Something was lost on its way to the file. Any thread.
+    bool Failed() const { return m_lost.load(std::memory_order_relaxed); }
     void Take(const std::int16_t* interleaved, std::size_t frames) override;
     /// Writes what waits and closes the file. False when the file does not hold all it was given.
     bool Finish();
@@ -37,6 +39,7 @@ public:
     std::weak_ptr<Stream> stream;
 
 private:
+    void Write(const std::int16_t* interleaved, std::size_t frames);
     void Drain();
     void WriteLoop();
 
