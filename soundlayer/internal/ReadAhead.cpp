@@ -65,7 +65,10 @@ Block ReadBuffer::Read(std::int16_t* out, std::size_t frames)
         if (live) {
             break;
         }
+        // A worker in mid-piece gives way after it; asleep for a whole ring, the puller would cost the other core.
+        m_awaited.store(true, std::memory_order_relaxed);
         const std::lock_guard lock(m_decoding);
+        m_awaited.store(false, std::memory_order_relaxed);
         if (m_ring.Filled() == 0 && !m_sourceOver) {
             const std::size_t wanted = frames - block.frames;
             const std::size_t read = m_source->Read({out + block.frames * channels, wanted * channels});
@@ -105,7 +108,7 @@ bool ReadBuffer::Service()
     const std::size_t read = m_source->Read(m_piece);
     m_ring.Write(m_piece.data(), read);
     m_sourceOver.store(read < kPieceFrames, std::memory_order_release);
-    return read == kPieceFrames;
+    return read == kPieceFrames && !m_awaited.load(std::memory_order_relaxed);
 }
 
 ReadAhead::ReadAhead()

@@ -46,7 +46,7 @@ private:
     friend class ReadAhead;
 
     void DropOwed(std::int16_t* scratch, std::size_t frames);
-    /// Decodes one piece into the ring; false when it is full enough or the file is over.
+    /// Decodes one piece into the ring; false when it is full enough, the file is over or a reader takes over.
     bool Service();
 
     std::mutex m_decoding;
@@ -55,6 +55,8 @@ private:
     std::vector<std::int16_t> m_piece;
     std::atomic<bool> m_sourceOver{false};
     std::atomic<bool> m_requested{false};
+    /// A reader wants to decode itself.
+    std::atomic<bool> m_awaited{false};
     ReadAhead& m_workers;
     // Of the reader.
     bool m_begun = false;
