@@ -33,7 +33,7 @@ struct WmaEncoder::Streams {
     /// Fills the frame up with silence.
     bool PadAndSend();
     bool SendFrame();
-    bool Send(const AVFrame* frame);
+    bool Send(const AVFrame* toSend);
     bool DiskTookAll() const { return container->pb->error == 0; }
 
     std::unique_ptr<AVFormatContext, ContainerDeleter> container;
