@@ -20,6 +20,8 @@ extern "C" {
 
 typedef uint32_t HSTREAM;
 typedef uint32_t HDSP;
+typedef uint32_t HFX;
+typedef uint32_t HRECORD;
 typedef uint32_t HENCODE;
 typedef uint32_t HWMENCODE;
 typedef uintptr_t SOUND_USER;
