@@ -2,6 +2,7 @@
 
 #include "audio/MasterVolume_Class.h"
 #include "audio/internal/ClipSchedule.h"
+#include "audio/internal/EncodedFile.h"
 #include "audio/internal/ExportFile.h"
 #include "audio/internal/ExportGuards.h"
 #include "audio/internal/OfflineMaster.h"
@@ -27,34 +28,6 @@ constexpr std::int32_t kWaveEvent = 0;
 constexpr std::int64_t kReportEachMS = 300;
 /// Longer than any volume glides.
 constexpr std::int64_t kSettleMS = 20;
-
-std::string EncoderErrorSuffix(std::int32_t code)
-{
-    switch (code) {
-    case BASS_ERROR_CREATE:
-        return " [Error creating file]";
-    case BASS_ERROR_NOTAVAIL:
-        return " [Invalid format]";
-    case BASS_ERROR_WMA:
-        return " [Windows media player 9 needed]";
-    default:
-        return "";
-    }
-}
-
-/// Sets a flag for as long as it lives.
-struct FlagScope {
-    explicit FlagScope(bool& theFlag)
-        : flag(theFlag)
-    {
-        flag = true;
-    }
-    ~FlagScope() { flag = false; }
-    FlagScope(const FlagScope&) = delete;
-    FlagScope& operator=(const FlagScope&) = delete;
-
-    bool& flag;
-};
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "audio/internal/ExportFile.h"
 
+#include "audio/internal/EncodedFile.h"
 #include "core/Paths.h"
 #include "engine/audioplayer.h"
 #include "soundlayer/soundlayer.h"
@@ -19,15 +20,6 @@ WAVEFORMATEX WaveFormat(const ExportFormat& format)
     wave.nBlockAlign = static_cast<std::uint16_t>(2 * format.channels);
     wave.nAvgBytesPerSec = wave.nBlockAlign * wave.nSamplesPerSec;
     return wave;
-}
-
-std::string FreeName(const core::Files& files, const std::string& target)
-{
-    std::string name = target + ".part";
-    for (int n = 1; files.FileExists(name); ++n) {
-        name = target + ".part" + std::to_string(n);
-    }
-    return name;
 }
 
 } // namespace
@@ -50,7 +42,7 @@ ExportFile::~ExportFile()
 
 bool ExportFile::Open(const ExportFormat& format)
 {
-    const std::string name = FreeName(m_files, m_target);
+    const std::string name = FreeName(m_files, m_target + ".part", "");
     const std::string file = core::PosixPath(name);
     if (format.wma) {
         m_wmaEncoder = BASS_WMA_EncodeOpenFile(static_cast<std::uint32_t>(format.sampleRate),

@@ -9,8 +9,22 @@ namespace velmora::project {
 class ProjectFile_Class;
 }
 
-/// What an export changes around itself. Each puts its part back when it goes, also when a receiver has failed.
+/// What long work changes around itself. Each puts its part back when it goes, also when a receiver has failed.
 namespace velmora::audio {
+
+/// Sets a flag for as long as it lives.
+struct FlagScope {
+    explicit FlagScope(bool& theFlag)
+        : flag(theFlag)
+    {
+        flag = true;
+    }
+    ~FlagScope() { flag = false; }
+    FlagScope(const FlagScope&) = delete;
+    FlagScope& operator=(const FlagScope&) = delete;
+
+    bool& flag;
+};
 
 /// Refuses input to the main window and the effects' dialogs.
 class LockedInterface {

@@ -4,37 +4,12 @@
 #include "project/ChannelDataClass.h"
 #include "soundlayer/soundlayer.h"
 #include "tests/audio/SoundFixture.h"
+#include "tests/support/FileSizeLimit.h"
 
-#include <csignal>
 #include <stdexcept>
-
-#include <sys/resource.h>
 
 namespace velmora::audio {
 namespace {
-
-/// No file of this process grows beyond a size while one lives.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    void (*m_handler)(int);
-    rlimit m_before{};
-};
 
 /// Two seconds to export over an earlier mix, with a device buffer and a monitored channel that must come back.
 class ExportFailure : public ExportTest {
@@ -74,7 +49,7 @@ protected:
 TEST_F(ExportFailure, FullDiskLeavesTheEarlierFile)
 {
     {
-        const FileSizeLimit limit(100'000);
+        const testing::FileSizeLimit limit(100'000);
         EXPECT_EQ(Export(), AudioExport::Outcome::Failed);
     }
     EXPECT_NE(m_environment.ports.messages.LastText().find(MixPath()), std::string::npos);

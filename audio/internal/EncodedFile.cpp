@@ -1,0 +1,36 @@
+#include "audio/internal/EncodedFile.h"
+
+#include "soundlayer/soundlayer.h"
+
+namespace velmora::audio {
+
+std::string EncoderErrorSuffix(std::int32_t code)
+{
+    switch (code) {
+    case BASS_ERROR_CREATE:
+        return " [Error creating file]";
+    case BASS_ERROR_NOTAVAIL:
+        return " [Invalid format]";
+    case BASS_ERROR_WMA:
+        return " [Windows media player 9 needed]";
+    default:
+        return "";
+    }
+}
+
+std::string FreeName(const std::string& stem, const std::string& ending,
+                     const std::function<bool(const std::string& name)>& taken)
+{
+    std::string name = stem + ending;
+    for (int n = 1; taken(name); ++n) {
+        name = stem + std::to_string(n) + ending;
+    }
+    return name;
+}
+
+std::string FreeName(const core::Files& files, const std::string& stem, const std::string& ending)
+{
+    return FreeName(stem, ending, [&files](const std::string& name) { return files.FileExists(name); });
+}
+
+} // namespace velmora::audio
