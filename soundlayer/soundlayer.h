@@ -74,6 +74,14 @@ typedef void SOUND_RELEASEPROC(SOUND_USER user);
 
 #define BASS_POS_BYTE 0
 
+#define BASS_FX_DX8_CHORUS 0
+#define BASS_FX_DX8_COMPRESSOR 1
+#define BASS_FX_DX8_DISTORTION 2
+#define BASS_FX_DX8_ECHO 3
+#define BASS_FX_DX8_FLANGER 4
+#define BASS_FX_DX8_PARAMEQ 7
+#define BASS_FX_DX8_REVERB 8
+
 typedef struct {
     uint32_t minbuf;  /* smallest buffer in ms that the device runs with */
     uint32_t latency; /* ms from the device's callback to the ear */
@@ -103,6 +111,67 @@ typedef struct {
     uint16_t wBitsPerSample;
     uint16_t cbSize;
 } WAVEFORMATEX;
+
+/* The parameter blocks of effects: four bytes a field. A value outside its range counts as the range's nearer end, one
+ * that is no number as its default, which a new effect has: here as smallest..largest (default). */
+
+typedef struct {
+    float fWetDryMix;  /* share of the effect, %: 0..100 (50) */
+    float fDepth;      /* share of the delay that swings, %: 0..100 (25) */
+    float fFeedback;   /* %: -99..99 (0) */
+    float fFrecuency;  /* of the swing, Hz: 0..10 (0) */
+    int32_t fWaveform; /* 0 triangle, 1 sine: (0) */
+    float fDelay;      /* ms: 0..20 (0) */
+    int32_t fPhase;    /* right swing against left, 0..4 for -180, -90, 0, 90, 180 degrees: (3) */
+} BASS_DX8_CHORUS;
+
+typedef struct {
+    float fGain;      /* after it, dB: -60..60 (0) */
+    float fAttack;    /* ms: 0.01..500 (0.2) */
+    float fRelease;   /* ms: 50..3000 (50) */
+    float fThreshold; /* dB: -60..0 (-10) */
+    float fRatio;     /* n to 1: 1..100 (10) */
+    float fPreDelay;  /* how far it looks ahead, ms: 0..4 (0) */
+} BASS_DX8_COMPRESSOR;
+
+typedef struct {
+    float fGain;                  /* after it, dB: -60..0 (0) */
+    float fEdge;                  /* %: 0..100 (50) */
+    float fPostEQCenterFrecuency; /* Hz: 100..8000 (4000) */
+    float fPostEQBandwidth;       /* Hz: 100..4000 (100) */
+    float fPreLowpassCutoff;      /* Hz: 100..8000 (4000) */
+} BASS_DX8_DISTORTION;
+
+typedef struct {
+    float fWetDryMix;  /* share of the effect, %: 0..100 (50) */
+    float fFeedback;   /* %: 0..100 (0) */
+    float fLeftDelay;  /* ms: 1..2000 (350) */
+    float fRightDelay; /* ms: 1..2000 (350) */
+    int32_t lPanDelay; /* not 0: the sides swap with each repeat (0) */
+} BASS_DX8_ECHO;
+
+typedef struct {
+    float fWetDryMix;  /* as for the chorus */
+    float fDepth;      /* as for the chorus */
+    float fFeedback;   /* as for the chorus */
+    float fFrecuency;  /* as for the chorus */
+    int32_t fWaveform; /* as for the chorus */
+    float fDelay;      /* ms: 0..4 (0) */
+    int32_t fPhase;    /* as for the chorus: (2) */
+} BASS_DX8_FLANGER;
+
+typedef struct {
+    float fCenter;    /* Hz: 80..16000 (1000) */
+    float fBandwidth; /* semitones: 1..36 (12) */
+    float fGain;      /* dB: -15..15 (3) */
+} BASS_DX8_PARAMEQ;
+
+typedef struct {
+    float finGain;          /* dB: -96..0 (0) */
+    float fReverbMix;       /* dB: -96..0 (-10) */
+    float fReverbTime;      /* to -60 dB, ms: 1..3000 (1000) */
+    float fHighFreqRTRatio; /* time of high frequencies by that of low ones: 0.001..0.999 (0.001) */
+} BASS_DX8_REVERB;
 
 /* Library and device. Device 0 is "No sound", a clock without ears; real ones follow from 1 and keep their number while
  * the process lives; -1 is the system's default, which is "No sound" where there is no server nor hardware. */
@@ -147,6 +216,16 @@ SOUND_API int BASS_ChannelGetAttribute(uint32_t handle, uint32_t attribute, floa
 SOUND_API HDSP BASS_ChannelSetDSP(uint32_t handle, DSPPROC* proc, SOUND_USER user, int32_t priority);
 SOUND_API int BASS_ChannelRemoveDSP(uint32_t handle, HDSP dsp);
 
+/* Effects. A block passes the DSPs of priority 0 and more, then the effects, of lower `priority` first and equal ones
+ * in the order they were set, then the DSPs of negative priority. Sound is 32-bit float from the first effect to the
+ * last, rounded and limited once behind it. What joins, leaves or moves while a stream sounds fades within a few ms. */
+
+/// An effect of one of the BASS_FX_DX8 types at its default parameters; BASS_ERROR_NOTAVAIL for another type.
+SOUND_API HFX BASS_ChannelSetFX(uint32_t handle, uint32_t type, int32_t priority);
+SOUND_API int BASS_ChannelRemoveFX(uint32_t handle, HFX fx);
+/// `block` is the BASS_DX8 block of the effect's type; what sounds glides there.
+SOUND_API int BASS_FXSetParameters(HFX fx, const void* block);
+
 /* Mixers: sum their sources, whatever their rate, and give silence without any. */
 
 SOUND_API HSTREAM BASS_Mixer_StreamCreate(uint32_t freq, uint32_t chans, uint32_t flags);
@@ -182,6 +261,8 @@ SOUND_API HSTREAM Sound_ClipCreate(const char* file, uint32_t freq);
 SOUND_API int Sound_ClipPrepare(HSTREAM clip, uint32_t frames);
 /// Lets a mixer's source go on or holds it: a held source is neither heard nor advanced. [RT]
 SOUND_API int Sound_SetRunning(HSTREAM source, int running);
+/// Moves an effect within its stream, as if it were set now with `priority`; its tail goes on.
+SOUND_API int Sound_FXSetPriority(HFX fx, int32_t priority);
 /// The format of what `BASS_WMA_EncodeWrite` is given; until this is called, the file's own. Before the first write.
 SOUND_API int Sound_WMA_EncodeSetInput(HWMENCODE encoder, uint32_t freq, uint32_t chans);
 /// 1 once the encoder's file no longer holds all it was given; what comes after is dropped.

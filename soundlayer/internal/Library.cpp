@@ -38,22 +38,27 @@ std::int32_t Library::Error()
 
 Stream* Library::FindStream(std::uint32_t handle) const
 {
-    Object* object = handles.Find(handle);
-    if (!object || object->ObjectKind() != Object::Kind::Stream) {
-        SetError(SOUND_ERROR_HANDLE);
-        return nullptr;
-    }
-    return static_cast<Stream*>(object);
+    return static_cast<Stream*>(Find(handle, Object::Kind::Stream));
 }
 
 EncoderSession* Library::FindEncoder(std::uint32_t handle) const
 {
+    return static_cast<EncoderSession*>(Find(handle, Object::Kind::Encoder));
+}
+
+EffectSlot* Library::FindEffect(std::uint32_t handle) const
+{
+    return static_cast<EffectSlot*>(Find(handle, Object::Kind::Effect));
+}
+
+Object* Library::Find(std::uint32_t handle, Object::Kind kind) const
+{
     Object* object = handles.Find(handle);
-    if (!object || object->ObjectKind() != Object::Kind::Encoder) {
+    if (!object || object->ObjectKind() != kind) {
         SetError(SOUND_ERROR_HANDLE);
         return nullptr;
     }
-    return static_cast<EncoderSession*>(object);
+    return object;
 }
 
 MixerStream* Library::FindMixer(std::uint32_t handle) const
@@ -111,6 +116,9 @@ void Library::FreeStream(std::uint32_t handle)
             mixer->RemoveSource(edits, *source);
         }
     }
+    for (const std::uint32_t effect : stream->EffectHandles()) {
+        handles.Remove(effect);
+    }
     handles.Remove(handle);
     edits.Retire(std::move(stream));
 }
@@ -141,7 +149,9 @@ void Library::FreeEverything()
         }
     }
     for (const auto& object : handles.All()) {
-        FreeStream(object->Handle());
+        if (object->ObjectKind() == Object::Kind::Stream) {
+            FreeStream(object->Handle());
+        }
     }
     readAhead.Stop();
 }

@@ -41,6 +41,7 @@ public:
     /// The object of that kind, or null with SOUND_ERROR_HANDLE set. [RT]
     Stream* FindStream(std::uint32_t handle) const;
     EncoderSession* FindEncoder(std::uint32_t handle) const;
+    EffectSlot* FindEffect(std::uint32_t handle) const;
     /// As `FindStream`, for streams that are mixers.
     MixerStream* FindMixer(std::uint32_t handle) const;
     std::shared_ptr<Stream> ShareStream(std::uint32_t handle) const;
@@ -55,6 +56,9 @@ public:
     /// Closes the file; false when it does not hold all it was given.
     bool FreeEncoder(std::uint32_t handle);
     void FreeEverything();
+
+private:
+    Object* Find(std::uint32_t handle, Object::Kind kind) const;
 };
 
 } // namespace velmora::soundlayer

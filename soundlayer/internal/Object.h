@@ -7,7 +7,7 @@ namespace velmora::soundlayer {
 /// What a handle can stand for.
 class Object {
 public:
-    enum class Kind { Stream, Encoder };
+    enum class Kind { Stream, Encoder, Effect };
 
     explicit Object(Kind kind)
         : m_kind(kind)

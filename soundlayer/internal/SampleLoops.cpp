@@ -2,12 +2,17 @@
 
 #include "soundlayer/SampleRounding.h"
 
+#include <algorithm>
+
 namespace velmora::soundlayer {
 
 namespace {
 
 /// Samples in one vector step; the two gains repeat within it.
 constexpr std::size_t kLanes = 8;
+
+/// A 16-bit sample at full scale 1.
+constexpr float kFullScale = 32768.0F;
 
 struct LaneGain {
     explicit LaneGain(StereoGain gain)
@@ -66,6 +71,49 @@ void RoundToInt16(std::int16_t* __restrict out, const float* __restrict in, std:
 {
     for (std::size_t i = 0; i < samples; ++i) {
         out[i] = RoundSample(in[i]);
+    }
+}
+
+void StereoToSides(float* __restrict left, float* __restrict right, const std::int16_t* __restrict stereo,
+                   std::size_t frames)
+{
+    for (std::size_t i = 0; i < frames; ++i) {
+        left[i] = static_cast<float>(stereo[2 * i]) / kFullScale;
+        right[i] = static_cast<float>(stereo[2 * i + 1]) / kFullScale;
+    }
+}
+
+void SidesToStereo(std::int16_t* __restrict stereo, const float* __restrict left, const float* __restrict right,
+                   std::size_t frames)
+{
+    for (std::size_t i = 0; i < frames; ++i) {
+        stereo[2 * i] = RoundSample(left[i] * kFullScale);
+        stereo[2 * i + 1] = RoundSample(right[i] * kFullScale);
+    }
+}
+
+void MonoToSides(float* __restrict left, float* __restrict right, const std::int16_t* __restrict mono,
+                 std::size_t frames)
+{
+    for (std::size_t i = 0; i < frames; ++i) {
+        left[i] = static_cast<float>(mono[i]) / kFullScale;
+        right[i] = left[i];
+    }
+}
+
+void SidesToMono(std::int16_t* __restrict mono, const float* __restrict left, const float* __restrict right,
+                 std::size_t frames)
+{
+    for (std::size_t i = 0; i < frames; ++i) {
+        mono[i] = RoundSample((left[i] + right[i]) * (kFullScale / 2));
+    }
+}
+
+void LimitSides(float* __restrict left, float* __restrict right, std::size_t frames, float limit)
+{
+    for (std::size_t i = 0; i < frames; ++i) {
+        left[i] = std::clamp(left[i], -limit, limit);
+        right[i] = std::clamp(right[i], -limit, limit);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "soundlayer/internal/GraphEdits.h"
 #include "soundlayer/internal/Object.h"
+#include "soundlayer/internal/effects/EffectList.h"
 #include "soundlayer/soundlayer.h"
 
 #include <atomic>
@@ -31,10 +32,10 @@ public:
 };
 
 /// A stream of 16-bit interleaved samples that is pulled: `Generate` of its kind, then its DSPs from the highest
-/// priority to the lowest, then its taps.
+/// priority to 0, its effects, its DSPs of negative priority, and last its taps.
 ///
 /// Threads: one thread pulls at a time, the mixing thread while the stream reaches the device. The interface thread
-/// sets attributes and edits the chain of DSPs through `GraphEdits`.
+/// sets attributes and edits the chain of DSPs and effects through `GraphEdits`.
 class Stream : public Object, public std::enable_shared_from_this<Stream> {
 public:
     /// The longest block that is pulled in one piece.
@@ -67,6 +68,10 @@ public:
 
     HDSP AddDsp(GraphEdits& edits, DSPPROC* proc, SOUND_USER user, std::int32_t priority);
     bool RemoveDsp(GraphEdits& edits, HDSP dsp);
+    void AddEffect(GraphEdits& edits, std::shared_ptr<EffectSlot> slot, std::int32_t priority);
+    bool RemoveEffect(GraphEdits& edits, const EffectSlot& slot);
+    bool MoveEffect(GraphEdits& edits, const EffectSlot& slot, std::int32_t priority);
+    std::vector<std::uint32_t> EffectHandles() const { return m_edited.effects.Handles(); }
     void AddTap(GraphEdits& edits, std::shared_ptr<BlockTap> tap);
     void RemoveTap(GraphEdits& edits, const BlockTap* tap);
 
@@ -87,16 +92,19 @@ protected:
 private:
     struct Chain {
         std::vector<Dsp> dsps;
+        EffectList effects;
         std::vector<std::shared_ptr<BlockTap>> taps;
     };
 
     void Publish(GraphEdits& edits);
+    void RunChain(const Chain& chain, std::int16_t* out, Block& block);
 
     const std::uint32_t m_rate;
     const std::uint32_t m_channels;
     const std::uint32_t m_flags;
     Chain m_edited;
     Published m_chain;
+    EffectClock m_effectClock;
     static inline HDSP s_lastDsp = 0;
 };
 

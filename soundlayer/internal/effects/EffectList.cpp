@@ -1,0 +1,191 @@
+#include "soundlayer/internal/effects/EffectList.h"
+
+#include "soundlayer/internal/SampleLoops.h"
+#include "soundlayer/internal/effects/GrainEffect.h"
+
+#include <algorithm>
+#include <array>
+
+namespace velmora::soundlayer {
+
+namespace {
+
+constexpr std::size_t kGrain = GrainEffect::kGrain;
+/// 120 dB above full scale: effects in a row never leave the range of their numbers.
+constexpr float kLimit = 0x1p20F;
+
+} // namespace
+
+std::vector<std::uint32_t> EffectList::Handles() const
+{
+    std::vector<std::uint32_t> handles;
+    for (const Entry& entry : m_entries) {
+        if (!entry.leaving) {
+            handles.push_back(entry.slot->Handle());
+        }
+    }
+    return handles;
+}
+
+void EffectList::Add(std::shared_ptr<EffectSlot> slot, std::int32_t priority)
+{
+    const auto place =
+        std::ranges::find_if(m_entries, [priority](const Entry& other) { return other.priority > priority; });
+    m_entries.insert(place, {std::move(slot), priority, ++m_lastId, false});
+}
+
+std::vector<EffectList::Entry>::iterator EffectList::Find(const EffectSlot& slot)
+{
+    return std::ranges::find_if(m_entries,
+                                [&slot](const Entry& entry) { return entry.slot.get() == &slot && !entry.leaving; });
+}
+
+bool EffectList::Remove(const EffectSlot& slot)
+{
+    const auto entry = Find(slot);
+    if (entry == m_entries.end()) {
+        return false;
+    }
+    entry->leaving = true;
+    return true;
+}
+
+bool EffectList::Move(const EffectSlot& slot, std::int32_t priority)
+{
+    const auto from = Find(slot);
+    if (from == m_entries.end()) {
+        return false;
+    }
+    const auto to =
+        std::ranges::find_if(m_entries, [priority](const Entry& other) { return other.priority > priority; });
+    if (to == from || to == from + 1) {
+        from->priority = priority;
+        return true;
+    }
+    from->leaving = true;
+    Add(from->slot, priority);
+    return true;
+}
+
+void EffectList::Prune()
+{
+    std::erase_if(m_entries, [](const Entry& entry) { return entry.leaving && !entry.Runs(); });
+}
+
+bool EffectList::AtRest() const
+{
+    return std::ranges::all_of(m_entries,
+                               [](const Entry& entry) { return !entry.Runs() || entry.slot->effect->AtRest(); });
+}
+
+bool EffectList::RunsSomewhere(const EffectSlot& slot) const
+{
+    return std::ranges::any_of(m_entries,
+                               [&slot](const Entry& entry) { return entry.slot.get() == &slot && entry.Runs(); });
+}
+
+void EffectList::TakePlaces(bool fade) const
+{
+    for (const Entry& entry : m_entries) {
+        if (entry.leaving && entry.Runs() && (!fade || entry.slot->m_faded == 0)) {
+            entry.slot->m_place.store(0, std::memory_order_relaxed);
+        }
+    }
+    for (const Entry& entry : m_entries) {
+        if (!entry.leaving && !RunsSomewhere(*entry.slot)) {
+            entry.slot->m_place.store(entry.id, std::memory_order_relaxed);
+            entry.slot->m_faded = 0;
+        }
+        if (!fade) {
+            entry.slot->m_faded = kFade;
+        }
+    }
+}
+
+template <typename Work>
+void EffectList::ByGrains(std::size_t frames, EffectClock& clock, bool fade, Work&& work) const
+{
+    if (std::ranges::none_of(m_entries, &Entry::Runs)) {
+        clock.position = 0;
+    }
+    for (std::size_t done = 0; done < frames;) {
+        if (clock.position == 0) {
+            TakePlaces(fade);
+        }
+        const std::size_t now = std::min(frames - done, kGrain - clock.position);
+        work(done, now);
+        done += now;
+        clock.position = (clock.position + now) % kGrain;
+    }
+}
+
+void EffectList::Skip(std::size_t frames, EffectClock& clock) const
+{
+    ByGrains(frames, clock, false, [this](std::size_t, std::size_t now) {
+        for (const Entry& entry : m_entries) {
+            if (entry.Runs()) {
+                entry.slot->effect->Skip(now);
+            }
+        }
+    });
+}
+
+bool EffectList::Process(std::int16_t* samples, std::size_t frames, std::uint32_t channels, EffectClock& clock) const
+{
+    if (AtRest() && std::all_of(samples, samples + frames * channels, [](std::int16_t s) { return s == 0; })) {
+        Skip(frames, clock);
+        return true;
+    }
+    ByGrains(frames, clock, clock.sounded, [&](std::size_t done, std::size_t now) {
+        std::array<float, kGrain> left;
+        std::array<float, kGrain> right;
+        std::int16_t* block = samples + done * channels;
+        if (channels == 1) {
+            MonoToSides(left.data(), right.data(), block, now);
+            Run(left.data(), right.data(), now);
+            SidesToMono(block, left.data(), right.data(), now);
+        } else {
+            StereoToSides(left.data(), right.data(), block, now);
+            Run(left.data(), right.data(), now);
+            SidesToStereo(block, left.data(), right.data(), now);
+        }
+    });
+    return false;
+}
+
+void EffectList::Run(float* left, float* right, std::size_t frames) const
+{
+    for (const Entry& entry : m_entries) {
+        if (!entry.Runs()) {
+            continue;
+        }
+        if (entry.leaving || entry.slot->m_faded < kFade) {
+            RunFading(entry, left, right, frames);
+        } else {
+            entry.slot->effect->Process(left, right, frames);
+        }
+        LimitSides(left, right, frames, kLimit);
+    }
+}
+
+void EffectList::RunFading(const Entry& entry, float* left, float* right, std::size_t frames)
+{
+    std::array<float, kGrain> dryLeft;
+    std::array<float, kGrain> dryRight;
+    std::copy_n(left, frames, dryLeft.data());
+    std::copy_n(right, frames, dryRight.data());
+    entry.slot->effect->Process(left, right, frames);
+    std::size_t& faded = entry.slot->m_faded;
+    for (std::size_t i = 0; i < frames; ++i) {
+        if (entry.leaving) {
+            faded -= faded > 0 ? 1 : 0;
+        } else {
+            faded += faded < kFade ? 1 : 0;
+        }
+        const float share = static_cast<float>(faded) / kFade;
+        left[i] = dryLeft[i] + share * (left[i] - dryLeft[i]);
+        right[i] = dryRight[i] + share * (right[i] - dryRight[i]);
+    }
+}
+
+} // namespace velmora::soundlayer

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "soundlayer/internal/effects/BlockLimits.h"
+#include "soundlayer/internal/effects/Effect.h"
+#include "soundlayer/internal/effects/Mailbox.h"
+
+#include <cmath>
+#include <cstddef>
+
+namespace velmora::soundlayer {
+
+/// An effect that counts its frames in grains, so that what it does does not depend on how they are cut into calls:
+/// parameters come in, glides turn and tails end between two grains only.
+class GrainEffect : public Effect {
+public:
+    /// Frames of a grain.
+    static constexpr std::size_t kGrain = 128;
+    /// What lies below (-144 dB) is set to zero between two grains, long before it would become denormal.
+    static constexpr float kSilence = 0x1p-24F;
+
+    void Process(float* left, float* right, std::size_t frames) final;
+    void Skip(std::size_t frames) final;
+
+    /// Where in its grain the effect stands. [RT]
+    std::size_t Position() const { return m_position; }
+
+protected:
+    /// Before the first frame of each grain. [RT]
+    virtual void BeginGrain() = 0;
+    /// Works on frames `at`, `at` + 1 ... of the grain. [RT]
+    virtual void Run(float* left, float* right, std::size_t frames, std::size_t at) = 0;
+    /// After the last frame of each grain: what has become too quiet is set to zero. [RT]
+    virtual void EndGrain() {}
+    /// Frames of silence pass while at rest: what goes on without sound does so. [RT]
+    virtual void Pass(std::size_t /*frames*/) {}
+
+private:
+    template <typename Work>
+    void ByGrains(std::size_t frames, Work&& work);
+
+    std::size_t m_position = 0;
+};
+
+/// `value`, or zero when it is too quiet to be heard. [RT]
+inline float ZeroIfQuiet(float value)
+{
+    return std::abs(value) < GrainEffect::kSilence ? 0.0F : value;
+}
+
+/// A `GrainEffect` with the parameters of a BASS_DX8 block.
+template <typename Block>
+class ParameterEffect : public GrainEffect {
+public:
+    void SetParameters(const void* block) final { m_mail.Put(LimitedBlock<Block>(block)); }
+
+protected:
+    /// New parameters, between two grains. `atOnce`: nothing was heard yet, so nothing glides. [RT]
+    virtual void Aim(const Block& block, bool atOnce) = 0;
+    /// After that, before each grain: what glides moves on. [RT]
+    virtual void Move() = 0;
+
+private:
+    void BeginGrain() final
+    {
+        Block block = kBlockLimits<Block>.initial;
+        if (m_mail.Take(block) || !m_begun) {
+            Aim(block, !m_begun);
+            m_begun = true;
+        }
+        Move();
+    }
+
+    Mailbox<Block> m_mail;
+    bool m_begun = false;
+};
+
+} // namespace velmora::soundlayer

@@ -1,0 +1,21 @@
+#include "soundlayer/internal/effects/Effect.h"
+#include "soundlayer/soundlayer.h"
+
+namespace velmora::soundlayer {
+
+std::unique_ptr<Effect> MakeEffect(std::uint32_t type, std::uint32_t /*rate*/)
+{
+    switch (type) {
+    case BASS_FX_DX8_CHORUS:
+    case BASS_FX_DX8_COMPRESSOR:
+    case BASS_FX_DX8_DISTORTION:
+    case BASS_FX_DX8_ECHO:
+    case BASS_FX_DX8_FLANGER:
+    case BASS_FX_DX8_PARAMEQ:
+    case BASS_FX_DX8_REVERB:
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace velmora::soundlayer
