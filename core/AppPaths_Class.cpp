@@ -72,9 +72,19 @@ void AppPaths_Class::LoadPaths(std::string_view File)
     }
 }
 
+std::map<std::string, std::string, std::less<>>::const_iterator AppPaths_Class::Find(std::string_view Key) const
+{
+    return m_values.find(LowerCase(Trim(Key)));
+}
+
+bool AppPaths_Class::HasPath(std::string_view Key) const
+{
+    return Find(Key) != m_values.end();
+}
+
 std::string AppPaths_Class::GetPath(std::string_view Key) const
 {
-    const auto found = m_values.find(LowerCase(Trim(Key)));
+    const auto found = Find(Key);
     if (found == m_values.end()) {
         m_messages.Show(std::string("Error retrieving path: ").append(Key));
         return {};

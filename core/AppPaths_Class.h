@@ -17,10 +17,13 @@ public:
     /// Reads the table; a line that does not split into exactly two parts at "=" is ignored. A file that is not there
     /// leaves the table as it is.
     void LoadPaths(std::string_view File);
+    bool HasPath(std::string_view Key) const;
     /// The expanded value; an unknown key is reported and gives "".
     std::string GetPath(std::string_view Key) const;
 
 private:
+    std::map<std::string, std::string, std::less<>>::const_iterator Find(std::string_view Key) const;
+
     MessageBoxes& m_messages;
     const ShellFolders& m_shell;
     const Files& m_files;

@@ -13,6 +13,8 @@ constexpr std::string_view kAudioFolderEnding = " - audio files";
 /// What the program itself puts beside the sound.
 constexpr std::array<std::string_view, 2> kOwnFiles{kLockFile, "wavecache.dat"};
 
+constexpr std::array<std::string_view, 3> kPresetFolders{"Fx", "FxPacks-Voice", "FxPacks-Music"};
+
 void MakeFolderWithParents(Files& files, const std::string& folder)
 {
     if (folder.empty() || files.FolderExists(folder)) {
@@ -38,6 +40,19 @@ bool BelongsToProjectFile(const Files& files, const std::string& parent, const s
 std::string Inside(std::string_view folder, std::string_view name)
 {
     return std::string(folder).append("\\").append(name);
+}
+
+/// The user's own files stay. One that cannot be copied is left out.
+void CopyStarterPresets(Files& files, const std::string& from, const std::string& to)
+{
+    for (const std::string_view name : kPresetFolders) {
+        for (const std::string& file : files.ListFiles(Inside(from, name), "*.*")) {
+            const std::string copy = Inside(Inside(to, name), file);
+            if (!files.FileExists(copy)) {
+                files.CopyFile(Inside(Inside(from, name), file), copy);
+            }
+        }
+    }
 }
 
 void ClearProject(Environment& environment, const std::string& folder)
@@ -70,11 +85,17 @@ void ClearProject(Environment& environment, const std::string& folder)
 
 void MakeProgramFolders(Environment& environment)
 {
+    Files& files = environment.files;
     const std::string presets = environment.paths.GetPath("presets");
-    for (const std::string& folder :
-         {environment.paths.GetPath("newprojects"), environment.paths.GetPath("config"), presets, presets + "\\Fx",
-          presets + "\\FxPacks-Voice", presets + "\\FxPacks-Music"}) {
-        MakeFolderWithParents(environment.files, folder);
+    const bool isNew = !files.FolderExists(presets);
+    for (const std::string& folder : {environment.paths.GetPath("newprojects"), environment.paths.GetPath("config")}) {
+        MakeFolderWithParents(files, folder);
+    }
+    for (const std::string_view name : kPresetFolders) {
+        MakeFolderWithParents(files, Inside(presets, name));
+    }
+    if (isNew && environment.paths.HasPath("starterpresets")) {
+        CopyStarterPresets(files, environment.paths.GetPath("starterpresets"), presets);
     }
 }
 

@@ -6,7 +6,8 @@
 namespace velmora::core {
 
 /// Makes the "newprojects", "config" and "presets" folders of the path table, and those for effects inside the last,
-/// each only if absent, with the folders above them.
+/// each only if absent, with the folders above them. When the "presets" folder was not there, it gets the packs and
+/// presets of the "starterpresets" folder, if the table names one.
 void MakeProgramFolders(Environment& environment);
 
 /// Removes the folders of new projects that were never saved and that no running instance holds. One that holds sound

@@ -28,6 +28,36 @@ TEST(ProgramFolders, AreMadeWithTheFoldersAbove)
     EXPECT_EQ(environment.files.Changes().size(), 6u) << "nothing that is there is made again";
 }
 
+TEST(ProgramFolders, NewPresetsFolderStartsWithOurs)
+{
+    testing::TestEnvironment environment;
+    const auto write = [&](const std::string& name, const std::string& text) {
+        ASSERT_TRUE(environment.disk.WriteTextFile(environment.Path(name), text));
+    };
+    write("paths.cfg", "presets={AppEXE}\\mine\nconfig={AppEXE}\\config\nstarterpresets={AppEXE}\\x\\..\\ours");
+    environment->paths.LoadPaths(environment.Path("paths.cfg"));
+    for (const char* name : {"x", "ours", "ours\\Fx", "ours\\FxPacks-Voice", "ours\\Other"}) {
+        environment.disk.MakeFolderIfMissing(environment.Path(name));
+    }
+    write("ours\\Fx\\Hall & co.fx.Graphic EQ", "ours");
+    write("ours\\FxPacks-Voice\\Warm.pack", "ours");
+    write("ours\\Other\\Warm.pack", "ours");
+
+    MakeProgramFolders(*environment);
+    const std::string preset = environment.Path("mine\\Fx\\Hall & co.fx.Graphic EQ");
+    const std::string pack = environment.Path("mine\\FxPacks-Voice\\Warm.pack");
+    EXPECT_EQ(environment->files.ReadTextFile(preset), "ours");
+    EXPECT_EQ(environment->files.ReadTextFile(pack), "ours");
+    EXPECT_THAT(environment.disk.ListFolders(environment.Path("mine")),
+                ElementsAre("Fx", "FxPacks-Music", "FxPacks-Voice"));
+
+    write("mine\\Fx\\Hall & co.fx.Graphic EQ", "theirs");
+    environment.disk.DeleteFile(pack);
+    MakeProgramFolders(*environment);
+    EXPECT_EQ(environment->files.ReadTextFile(preset), "theirs");
+    EXPECT_FALSE(environment.disk.FileExists(pack)) << "what the user deleted does not come back";
+}
+
 class AbandonedProjects : public ::testing::Test {
 protected:
     std::string Make(const std::string& name, std::initializer_list<std::string> fileNames)
@@ -96,7 +126,7 @@ protected:
 TEST_F(Import, CopiesWhatCouldVanish)
 {
     EXPECT_EQ(Run(), "Song.WAV");
-    EXPECT_EQ(environment.disk.ReadTextFile(audio + "\\Song.WAV", 100), "the song");
+    EXPECT_EQ(environment->files.ReadTextFile(audio + "\\Song.WAV", 100), "the song");
     EXPECT_EQ(Run(), "Song.WAV") << "an earlier copy serves again";
     EXPECT_EQ(environment.disk.ListFiles(audio, "*").size(), 1u);
 
@@ -105,7 +135,7 @@ TEST_F(Import, CopiesWhatCouldVanish)
     EXPECT_EQ(Run(), "1 - Song.WAV");
     environment.disk.WriteTextFile(source, "an even longer song");
     EXPECT_EQ(Run(), "2 - Song.WAV");
-    EXPECT_EQ(environment.disk.ReadTextFile(audio + "\\Song.WAV", 100), "the song");
+    EXPECT_EQ(environment->files.ReadTextFile(audio + "\\Song.WAV", 100), "the song");
 }
 
 TEST_F(Import, LeavesTheFileWhereItIs)
