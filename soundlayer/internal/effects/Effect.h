@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 
 namespace velmora::soundlayer {
 
@@ -21,6 +22,14 @@ public:
 
     /// Works on `frames` frames, any number. Finite in, finite out. [RT]
     virtual void Process(float* left, float* right, std::size_t frames) = 0;
+
+    /// As `Process` of the first effects of `row`, of which this is the first, one after the other. How many it did: at
+    /// least one, more where effects of one kind are cheaper together. [RT]
+    virtual std::size_t ProcessRow(std::span<Effect* const> /*row*/, float* left, float* right, std::size_t frames)
+    {
+        Process(left, right, frames);
+        return 1;
+    }
 
     /// What `Process` would do to `frames` frames of silence while `AtRest`, for next to nothing. [RT]
     virtual void Skip(std::size_t frames) = 0;

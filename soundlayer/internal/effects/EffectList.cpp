@@ -1,6 +1,7 @@
 #include "soundlayer/internal/effects/EffectList.h"
 
 #include "soundlayer/internal/SampleLoops.h"
+#include "soundlayer/internal/effects/FlushDenormals.h"
 #include "soundlayer/internal/effects/GrainEffect.h"
 
 #include <algorithm>
@@ -136,6 +137,7 @@ bool EffectList::Process(std::int16_t* samples, std::size_t frames, std::uint32_
         Skip(frames, clock);
         return true;
     }
+    const FlushDenormals flush;
     ByGrains(frames, clock, clock.sounded, [&](std::size_t done, std::size_t now) {
         std::array<float, kGrain> left;
         std::array<float, kGrain> right;
@@ -155,17 +157,32 @@ bool EffectList::Process(std::int16_t* samples, std::size_t frames, std::uint32_
 
 void EffectList::Run(float* left, float* right, std::size_t frames) const
 {
+    // Effects that neither fade in nor out wait in a row for one that does, or for the end.
+    std::array<Effect*, 8> row{};
+    std::size_t waiting = 0;
+    const auto runRow = [&] {
+        for (std::size_t done = 0; done < waiting;) {
+            done += row[done]->ProcessRow({row.data() + done, waiting - done}, left, right, frames);
+            LimitSides(left, right, frames, kLimit);
+        }
+        waiting = 0;
+    };
     for (const Entry& entry : m_entries) {
         if (!entry.Runs()) {
             continue;
         }
         if (entry.leaving || entry.slot->m_faded < kFade) {
+            runRow();
             RunFading(entry, left, right, frames);
-        } else {
-            entry.slot->effect->Process(left, right, frames);
+            LimitSides(left, right, frames, kLimit);
+            continue;
         }
-        LimitSides(left, right, frames, kLimit);
+        row[waiting++] = entry.slot->effect.get();
+        if (waiting == row.size()) {
+            runRow();
+        }
     }
+    runRow();
 }
 
 void EffectList::RunFading(const Entry& entry, float* left, float* right, std::size_t frames)

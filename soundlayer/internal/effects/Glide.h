@@ -13,7 +13,7 @@ namespace velmora::soundlayer {
 class Glide {
 public:
     explicit Glide(std::uint32_t rate)
-        : m_length(std::max<std::uint32_t>(1, (rate / 50 + GrainEffect::kGrain / 2) / GrainEffect::kGrain))
+        : m_length(std::max<std::size_t>(1, (rate / 50 + GrainEffect::kGrain / 2) / GrainEffect::kGrain))
     {
     }
 
@@ -51,8 +51,8 @@ public:
     float At(std::size_t frame) const { return m_start + static_cast<float>(frame + 1) * Step(); }
 
 private:
-    std::uint32_t m_length;
-    std::uint32_t m_left = 0;
+    std::size_t m_length;
+    std::size_t m_left = 0;
     float m_target = 0.0F;
     float m_delta = 0.0F;
     float m_start = 0.0F;

@@ -2,10 +2,13 @@
 
 #include "soundlayer/internal/effects/BlockLimits.h"
 #include "soundlayer/internal/effects/Effect.h"
+#include "soundlayer/internal/effects/FlushDenormals.h"
 #include "soundlayer/internal/effects/Mailbox.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <span>
 
 namespace velmora::soundlayer {
 
@@ -15,7 +18,7 @@ class GrainEffect : public Effect {
 public:
     /// Frames of a grain.
     static constexpr std::size_t kGrain = 128;
-    /// What lies below (-144 dB) is set to zero between two grains, long before it would become denormal.
+    /// What lies below (-144 dB) is set to zero between two grains, so that a tail comes to its end.
     static constexpr float kSilence = 0x1p-24F;
 
     void Process(float* left, float* right, std::size_t frames) final;
@@ -34,12 +37,35 @@ protected:
     /// Frames of silence pass while at rest: what goes on without sound does so. [RT]
     virtual void Pass(std::size_t /*frames*/) {}
 
-private:
+    /// Cuts `frames` into pieces within a grain of `effects`, which all stand at one position: `work(done, frames,
+    /// at)`. [RT]
     template <typename Work>
-    void ByGrains(std::size_t frames, Work&& work);
+    static void ByGrains(std::span<GrainEffect* const> effects, std::size_t frames, Work&& work);
 
+private:
     std::size_t m_position = 0;
 };
+
+template <typename Work>
+void GrainEffect::ByGrains(std::span<GrainEffect* const> effects, std::size_t frames, Work&& work)
+{
+    const FlushDenormals flush;
+    for (std::size_t done = 0; done < frames;) {
+        const std::size_t at = effects.front()->m_position;
+        const std::size_t now = std::min(frames - done, kGrain - at);
+        if (at == 0) {
+            std::ranges::for_each(effects, &GrainEffect::BeginGrain);
+        }
+        work(done, now, at);
+        done += now;
+        for (GrainEffect* effect : effects) {
+            effect->m_position = (at + now) % kGrain;
+            if (effect->m_position == 0) {
+                effect->EndGrain();
+            }
+        }
+    }
+}
 
 /// `value`, or zero when it is too quiet to be heard. [RT]
 inline float ZeroIfQuiet(float value)

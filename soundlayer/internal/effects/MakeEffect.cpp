@@ -1,9 +1,10 @@
 #include "soundlayer/internal/effects/Effect.h"
+#include "soundlayer/internal/effects/ParametricEq.h"
 #include "soundlayer/soundlayer.h"
 
 namespace velmora::soundlayer {
 
-std::unique_ptr<Effect> MakeEffect(std::uint32_t type, std::uint32_t /*rate*/)
+std::unique_ptr<Effect> MakeEffect(std::uint32_t type, std::uint32_t rate)
 {
     switch (type) {
     case BASS_FX_DX8_CHORUS:
@@ -11,7 +12,9 @@ std::unique_ptr<Effect> MakeEffect(std::uint32_t type, std::uint32_t /*rate*/)
     case BASS_FX_DX8_DISTORTION:
     case BASS_FX_DX8_ECHO:
     case BASS_FX_DX8_FLANGER:
+        return nullptr;
     case BASS_FX_DX8_PARAMEQ:
+        return std::make_unique<ParametricEq>(rate);
     case BASS_FX_DX8_REVERB:
     default:
         return nullptr;
