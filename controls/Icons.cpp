@@ -22,6 +22,8 @@ namespace {
 
 /// At this size and below, strokes are a little wider.
 constexpr double kSmallIcon = 12;
+/// The check mark fills its box.
+constexpr double kCheckIcon = 14;
 
 struct Key {
     QString name;
@@ -49,8 +51,10 @@ QPixmap Render(const Key& key, const QColor& colour)
 {
     QByteArray source = Source(key.name);
     source.replace("currentColor", colour.name(QColor::HexRgb).toLatin1());
-    if (key.size <= kSmallIcon)
-        source.replace("stroke-width=\"1.5\"", "stroke-width=\"1.8\"");
+    const char* stroke = key.name == QLatin1String("check") && key.size <= kCheckIcon ? "2.4"
+                         : key.size <= kSmallIcon                                     ? "1.8"
+                                                                                      : "1.5";
+    source.replace("stroke-width=\"1.5\"", QByteArray("stroke-width=\"").append(stroke).append('"'));
     QSvgRenderer renderer(source);
     if (!renderer.isValid())
         return {};
@@ -58,8 +62,12 @@ QPixmap Render(const Key& key, const QColor& colour)
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    painter.setOpacity(colour.alphaF());
     renderer.render(&painter);
+    if (colour.alpha() < 255) {
+        // Once for the whole, so that overlapping strokes do not show.
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+        painter.fillRect(image.rect(), QColor(0, 0, 0, colour.alpha()));
+    }
     painter.end();
     QPixmap pixmap = QPixmap::fromImage(std::move(image));
     pixmap.setDevicePixelRatio(key.scale);

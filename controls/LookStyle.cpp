@@ -1,8 +1,11 @@
 #include "controls/LookStyle.h"
 
+#include "controls/Accessibility.h"
 #include "controls/Drawing.h"
+#include "controls/FocusRing.h"
 #include "controls/Icons.h"
 #include "controls/Theme.h"
+#include "controls/internal/TextRendering.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -259,7 +262,7 @@ QSize LookStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
     case CT_MenuItem:
         if (const auto* row = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
             if (row->menuItemType == QStyleOptionMenuItem::Separator)
-                return {0, kMenuSeparator};
+                return {1, kMenuSeparator}; // a row without width would be left out
             const auto [text, shortcut] = RowTexts(row->text);
             const double right = !shortcut.isEmpty()
                                      ? kShortcutGap + QFontMetricsF(theme::Font(11)).horizontalAdvance(shortcut)
@@ -307,6 +310,7 @@ void LookStyle::polish(QWidget* widget)
 
 void InstallLook(QApplication& application)
 {
+    KeepFontWeights();
     QApplication::setStyle(new LookStyle);
     QApplication::setPalette(theme::Palette());
     application.setFont(theme::Font(12));
@@ -315,6 +319,8 @@ void InstallLook(QApplication& application)
     QApplication::setFont(theme::Font(11), "QLineEdit");
     QToolTip::setFont(theme::Font(11));
     QToolTip::setPalette(theme::Palette());
+    FocusRing::Install();
+    InstallAccessibility();
 }
 
 } // namespace velmora::controls
