@@ -1,0 +1,91 @@
+#include "app/MainPanel.h"
+
+#include "controls/Combo.h"
+#include "controls/CoolToolBar.h"
+#include "controls/Drawing.h"
+#include "controls/LCDDisplay.h"
+#include "controls/Theme.h"
+
+#include <QLabel>
+#include <QPainter>
+
+namespace velmora::app {
+namespace {
+
+namespace theme = controls::theme;
+
+constexpr QRect kTimePlace{312, 4, 105, 21};
+constexpr QRect kMarksPlace{620, 4, 129, 21};
+/// The line that closes the toolbar's band.
+constexpr double kBandEnd = 31;
+constexpr double kDividerTop = 45;
+constexpr double kDividerBottom = 357;
+
+QRect Rect(const Box& box)
+{
+    return {box.left, box.top, box.width, box.height};
+}
+
+} // namespace
+
+MainPanel::MainPanel(QWidget* parent)
+    : QWidget(parent)
+    , CoolToolBar1(new controls::MainToolBar(this))
+    , LCDLabel(new controls::LCDDisplay(this))
+    , MarksCombo(new controls::Combo(this))
+    , MusicFrame(Reserve("MusicFrame", theme::Deck))
+    , VoiceFrame(Reserve("VoiceFrame", theme::Deck))
+    , Pic_MasterVol(Reserve("Pic_MasterVol", theme::Deck))
+    , Label2(new QLabel("Overview", this))
+    , EventsSmallView(Reserve("EventsSmallView", theme::Ground))
+    , EventsEditor(Reserve("EventsEditor", theme::Ground))
+{
+    setMinimumSize(kMinimumWidth, kMinimumHeight);
+    LCDLabel->setGeometry(kTimePlace);
+    MarksCombo->setGeometry(kMarksPlace);
+    MarksCombo->setToolTip("Marks");
+    MarksCombo->setAccessibleName("Marks");
+    QPalette quiet = Label2->palette();
+    quiet.setColor(QPalette::WindowText, theme::Text2);
+    Label2->setPalette(quiet);
+    Label2->setFont(theme::Font(11));
+}
+
+QWidget* MainPanel::Reserve(const char* name, const QColor& ground)
+{
+    auto* place = new QWidget(this);
+    place->setObjectName(name);
+    QPalette colours = place->palette();
+    colours.setColor(QPalette::Window, ground);
+    place->setPalette(colours);
+    place->setAutoFillBackground(true);
+    return place;
+}
+
+void MainPanel::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    const controls::PixelGrid grid(painter);
+    controls::FillSharp(painter, rect(), theme::Deck);
+    controls::FillSharp(painter, grid.HairlineAlong({0, kBandEnd, static_cast<double>(width()), 1}), theme::Ground);
+    for (const int x : {VoiceFrame->x() - 10, Pic_MasterVol->x() - 10, EventsSmallView->x() - 18}) {
+        controls::FillSharp(painter,
+                            grid.HairlineAlong({static_cast<double>(x), kDividerTop, 1, kDividerBottom - kDividerTop}),
+                            theme::Line);
+    }
+}
+
+void MainPanel::resizeEvent(QResizeEvent* /*event*/)
+{
+    const MainLayout layout = ArrangeMain(width(), height());
+    CoolToolBar1->setGeometry(Rect(layout.toolbar));
+    MusicFrame->setGeometry(Rect(layout.musicFrame));
+    VoiceFrame->setGeometry(Rect(layout.voiceFrame));
+    Pic_MasterVol->setGeometry(Rect(layout.masterPanel));
+    Label2->setGeometry(Rect(layout.overviewLabel));
+    EventsSmallView->setGeometry(Rect(layout.overview));
+    EventsEditor->setGeometry(Rect(layout.editor));
+    update();
+}
+
+} // namespace velmora::app

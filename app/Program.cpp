@@ -1,0 +1,64 @@
+#include "app/Program.h"
+
+#include "app/QtText.h"
+#include "core/Paths.h"
+
+#include <QApplication>
+#include <QDir>
+
+namespace velmora::app {
+namespace {
+
+constexpr int kFailed = 1;
+
+} // namespace
+
+Program::Program()
+    : m_environment(Ports(), m_files)
+    , m_window(m_environment, [this](std::string note) { m_messages.SetNote(std::move(note)); })
+    , m_startup(m_environment, m_window.Workspace(), m_window)
+{
+    m_views.SetWindow(&m_window);
+}
+
+core::Ports Program::Ports()
+{
+    return {m_messages,      m_input,        m_fileDialogs, m_fileNotFound, m_timers,
+            m_pendingEvents, m_shellFolders, m_trash,       m_views};
+}
+
+int Program::Run(const std::vector<std::string>& arguments)
+{
+    // Before the current folder changes, which a relative path counts from.
+    const std::string project = Startup::ProjectFromCommandLine(arguments);
+    QDir::setCurrent(QCoreApplication::applicationDirPath());
+    if (!m_startup.StartEngine()) {
+        return kFailed;
+    }
+    LoadPlace();
+    if (!m_startup.OpenFirstProject(project)) {
+        m_startup.ShutDown();
+        return kFailed;
+    }
+    m_window.Place(m_windowState);
+    m_startup.Greet();
+    const int code = QApplication::exec();
+    SavePlace();
+    m_startup.ShutDown();
+    return code;
+}
+
+void Program::LoadPlace()
+{
+    m_windowState.Load(m_files, m_environment.paths.GetPath("config"));
+    m_fileDialogs.lastFolder = m_windowState.lastFolder;
+}
+
+void Program::SavePlace()
+{
+    m_window.NotePlace(m_windowState);
+    m_windowState.lastFolder = m_fileDialogs.lastFolder;
+    m_windowState.Save(m_files, m_environment.paths.GetPath("config"));
+}
+
+} // namespace velmora::app

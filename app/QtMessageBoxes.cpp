@@ -1,0 +1,95 @@
+#include "app/QtMessageBoxes.h"
+
+#include "app/QtText.h"
+#include "app/ShownText.h"
+
+#include <QApplication>
+#include <QInputDialog>
+#include <QMessageBox>
+
+namespace velmora::app {
+namespace {
+
+constexpr int kInputWidth = 388;
+
+QMessageBox::Icon QtIcon(core::Icon icon)
+{
+    switch (icon) {
+    case core::Icon::Information:
+        return QMessageBox::Information;
+    case core::Icon::Exclamation:
+        return QMessageBox::Warning;
+    case core::Icon::Critical:
+        return QMessageBox::Critical;
+    case core::Icon::Question:
+        return QMessageBox::Question;
+    case core::Icon::None:
+        break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons QtButtons(core::Buttons buttons)
+{
+    switch (buttons) {
+    case core::Buttons::YesNoCancel:
+        return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    case core::Buttons::OkCancel:
+        return QMessageBox::Ok | QMessageBox::Cancel;
+    case core::Buttons::YesNo:
+        break;
+    }
+    return QMessageBox::Yes | QMessageBox::No;
+}
+
+int Run(core::Icon icon, std::string_view title, std::string_view text, QMessageBox::StandardButtons buttons,
+        const std::string& note = {})
+{
+    QMessageBox box(QtIcon(icon), ToQt(title), ToQt(ShownText(text)), buttons, QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    if (!note.empty()) {
+        box.setInformativeText(ToQt(note));
+    }
+    return box.exec();
+}
+
+} // namespace
+
+void QtMessageBoxes::Show(std::string_view text, core::Icon icon, std::string_view title)
+{
+    Run(icon, title, text, QMessageBox::Ok, icon == core::Icon::Information ? m_note : std::string());
+}
+
+core::Answer QtMessageBoxes::Ask(std::string_view text, core::Buttons buttons, core::Icon icon, std::string_view title)
+{
+    switch (Run(icon, title, text, QtButtons(buttons))) {
+    case QMessageBox::Yes:
+        return core::Answer::Yes;
+    case QMessageBox::Ok:
+        return core::Answer::Ok;
+    case QMessageBox::No:
+        return core::Answer::No;
+    default:
+        return buttons == core::Buttons::YesNo ? core::Answer::No : core::Answer::Cancel;
+    }
+}
+
+void QtMessageBoxes::Beep()
+{
+    QApplication::beep();
+}
+
+std::optional<std::string> QtInputBox::Ask(std::string_view title, std::string_view prompt, std::string_view suggestion)
+{
+    QInputDialog box(QApplication::activeWindow());
+    box.setWindowTitle(ToQt(title));
+    box.setLabelText(ToQt(prompt));
+    box.setTextValue(ToQt(suggestion));
+    box.resize(kInputWidth, box.sizeHint().height());
+    if (box.exec() != QDialog::Accepted) {
+        return std::nullopt;
+    }
+    return FromQt(box.textValue());
+}
+
+} // namespace velmora::app

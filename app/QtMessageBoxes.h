@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/Ports.h"
+
+#include <string>
+
+namespace velmora::app {
+
+/// Modal boxes over the window in use; paths stand as the system writes them. Texts are plain.
+class QtMessageBoxes final : public core::MessageBoxes {
+public:
+    void Show(std::string_view text, core::Icon icon, std::string_view title) override;
+    core::Answer Ask(std::string_view text, core::Buttons buttons, core::Icon icon, std::string_view title) override;
+    void Beep() override;
+
+    /// Stands smaller below the text of boxes that inform, until it is set to "".
+    void SetNote(std::string note) { m_note = std::move(note); }
+
+private:
+    std::string m_note;
+};
+
+class QtInputBox final : public core::InputBox {
+public:
+    std::optional<std::string> Ask(std::string_view title, std::string_view prompt,
+                                   std::string_view suggestion) override;
+};
+
+} // namespace velmora::app

@@ -1,0 +1,90 @@
+#include "app/frmExportAudio.h"
+
+#include "app/ElidedLabel.h"
+#include "app/QtText.h"
+#include "app/ShownText.h"
+#include "app/TimeLeft.h"
+#include "controls/Theme.h"
+#include "controls/VUMeter_UserCtrl.h"
+#include "core/TextUtilities.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QPushButton>
+#include <algorithm>
+#include <utility>
+
+namespace velmora::app {
+namespace {
+
+constexpr QSize kSize{388, 150};
+constexpr int kMargin = 20;
+constexpr int kLine = 16;
+constexpr int kInside = 348;
+
+} // namespace
+
+frmExportAudio::frmExportAudio(core::Environment& environment, project::ProjectFile_Class& project,
+                               std::function<void(bool)> mute, QWidget* parent)
+    : QDialog(parent)
+    , m_environment(environment)
+    , m_export(environment, project, *this)
+    , m_file(new ElidedLabel(this))
+    , m_position(new QLabel("Pos: ", this))
+    , m_left(new QLabel(this))
+    , m_meter(new controls::VUMeter_UserCtrl(this))
+{
+    setWindowTitle("Exporting audio");
+    setWindowModality(Qt::ApplicationModal);
+    setFixedSize(kSize);
+    m_file->setGeometry(kMargin, kMargin, kInside, kLine);
+    m_position->setGeometry(kMargin, 42, kInside / 2, kLine);
+    m_left->setGeometry(kMargin + kInside / 2, 42, kInside / 2, kLine);
+    m_left->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_meter->setObjectName("VUMeter");
+    m_meter->setAccessibleName("Level");
+    m_meter->setGeometry(kMargin - 5, 68, 220, 14);
+
+    auto* muteCheck = new QCheckBox("Mute", this);
+    muteCheck->setObjectName("muteCheck");
+    auto* cancel = new QPushButton("Cancel", this);
+    cancel->setObjectName("button_Cancel");
+    const int lastLine = kSize.height() - kMargin - controls::theme::kControlHeight;
+    muteCheck->setGeometry(kMargin, lastLine, 120, controls::theme::kControlHeight);
+    cancel->setGeometry(kMargin + kInside - 86, lastLine, 86, controls::theme::kControlHeight);
+    cancel->setFocus();
+    connect(muteCheck, &QCheckBox::toggled, this, std::move(mute));
+    connect(cancel, &QPushButton::clicked, this, &frmExportAudio::reject);
+}
+
+void frmExportAudio::StartExport(std::int32_t format, const std::string& path)
+{
+    const core::Configuration& config = m_environment.config;
+    const core::EncoderFormat& encoder =
+        format == audio::AudioExport::kWma ? config.EncWMAFormat : config.EncWaveFormat;
+    m_export.SampleRate = encoder.freq;
+    m_export.Channels = encoder.nChannels;
+    m_export.Bitrate = encoder.bitrate;
+    m_export.FilePath = path;
+    m_export.encoder_Format(format);
+    m_file->SetText("File: " + ToQt(ShownPath(path)));
+    show();
+    m_elapsed.start();
+    m_export.StartExport();
+    hide();
+}
+
+void frmExportAudio::reject()
+{
+    m_export.StopExport();
+}
+
+bool frmExportAudio::Update(std::int64_t positionMS, std::int64_t totalMS, std::int32_t meter)
+{
+    m_position->setText("Pos: " + ToQt(core::FormatTimePos(static_cast<std::int32_t>(positionMS), false)));
+    m_left->setText(TimeLeftText(m_elapsed.elapsed(), static_cast<double>(positionMS) / static_cast<double>(totalMS)));
+    m_meter->SetValue(meter);
+    return true;
+}
+
+} // namespace velmora::app
