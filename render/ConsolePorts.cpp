@@ -1,10 +1,10 @@
 #include "render/ConsolePorts.h"
 
 #include "core/Paths.h"
+#include "core/ProgramFiles.h"
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <sstream>
 
 #include <unistd.h>
@@ -104,9 +104,7 @@ std::string XdgFolders::Get(core::ShellFolder folder) const
 
 std::string XdgFolders::AppExe() const
 {
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return core::InternalPath(error ? "/" : program.parent_path().string());
+    return core::ProgramFilesFolder();
 }
 
 core::Ports ConsolePorts::Ports()

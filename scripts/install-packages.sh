@@ -1,5 +1,5 @@
 #!/bin/bash
-# Installs the Debian packages that a script needs, if any is missing: install-packages.sh build|test|bench
+# Installs the Debian packages that a script needs, if any is missing: install-packages.sh build|test|bench|package
 set -euo pipefail
 
 build=(g++ cmake ninja-build ccache pkg-config python3 libavformat-dev libavcodec-dev libavutil-dev libsoxr-dev
@@ -8,13 +8,15 @@ build=(g++ cmake ninja-build ccache pkg-config python3 libavformat-dev libavcode
 test=("${build[@]}" sox ffmpeg python3-numpy pulseaudio pulseaudio-utils clang-format clang-tidy fonts-inter
     fonts-dejavu-core)
 bench=("${test[@]}" ecasound)
+package=("${build[@]}" file dpkg-dev)
 
 case "${1:-}" in
 build) wanted=("${build[@]}") ;;
 test) wanted=("${test[@]}") ;;
 bench) wanted=("${bench[@]}") ;;
+package) wanted=("${package[@]}") ;;
 *)
-    echo "usage: $0 build|test|bench" >&2
+    echo "usage: $0 build|test|bench|package" >&2
     exit 2
     ;;
 esac

@@ -23,7 +23,8 @@ std::string FreeName(const std::string& stem, const std::string& ending,
 {
     std::string name = stem + ending;
     for (int n = 1; taken(name); ++n) {
-        name = stem + std::to_string(n) + ending;
+        name = stem;
+        name.append(std::to_string(n)).append(ending);
     }
     return name;
 }
