@@ -99,14 +99,23 @@ void MakeProgramFolders(Environment& environment)
     }
 }
 
-void ClearAbandonedProjects(Environment& environment)
+std::vector<std::string> AbandonedProjects(const Environment& environment)
 {
     const std::string parent = environment.paths.GetPath("newprojects");
+    std::vector<std::string> folders;
     for (const std::string& name : environment.files.ListFolders(parent)) {
         if (LowerCase(name).find("project") != std::string::npos &&
             !BelongsToProjectFile(environment.files, parent, name)) {
-            ClearProject(environment, Inside(parent, name));
+            folders.push_back(Inside(parent, name));
         }
+    }
+    return folders;
+}
+
+void ClearAbandonedProjects(Environment& environment)
+{
+    for (const std::string& folder : AbandonedProjects(environment)) {
+        ClearProject(environment, folder);
     }
 }
 

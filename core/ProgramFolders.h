@@ -2,6 +2,9 @@
 
 #include "core/Environment.h"
 
+#include <string>
+#include <vector>
+
 /// The program's own folders, at its start.
 namespace velmora::core {
 
@@ -9,6 +12,9 @@ namespace velmora::core {
 /// each only if absent, with the folders above them. When the "presets" folder was not there, it gets the packs and
 /// presets of the "starterpresets" folder, if the table names one.
 void MakeProgramFolders(Environment& environment);
+
+/// The folders of new projects that were never saved; one of a running program, this one too, is among them, and held.
+std::vector<std::string> AbandonedProjects(const Environment& environment);
 
 /// Removes the folders of new projects that were never saved and that no running instance holds. One that holds sound
 /// goes to the trash, or stays when the trash does not take it. Left alone are a folder that somebody holds, one with

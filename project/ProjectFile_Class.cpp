@@ -14,6 +14,8 @@
 #include "project/internal/ChannelRegistry.h"
 #include "project/internal/EventPlacement.h"
 #include "project/internal/ProjectStorage.h"
+#include "project/internal/RepeatRecording.h"
+#include "project/internal/TakeRecovery.h"
 
 #include <algorithm>
 #include <utility>
@@ -83,7 +85,7 @@ void ProjectFile_Class::InitializeClass()
     m_handler = listen(kFirstPriority, &ProjectFile_Class::MsgHandler_MsgReceived);
     m_lastHandler = listen(kLastPriority, &ProjectFile_Class::LastMsgHandler_MsgReceived);
 
-    Recorder = std::make_unique<audio::Recorder_Class>(m_environment);
+    Recorder = std::make_unique<audio::Recorder_Class>(m_environment, *this);
     Marks = std::make_unique<MarkList_Class>(m_environment.ids, *MsgSender);
     MasterVolume = std::make_unique<audio::MasterVolume_Class>(m_environment, *MsgSender);
     Metronome = std::make_unique<audio::Metronome_Class>(m_environment, *MsgSender, *Recorder);
@@ -182,6 +184,10 @@ void ProjectFile_Class::LastMsgHandler_MsgReceived(std::int32_t MsgID, core::Msg
     case core::Msg_UndoRestored:
         util_Send_SoloChangedMSG_toAllChannels();
         break;
+    case core::Msg_Recorder_Start:
+        LastRecChannelID = core::RoundToInt(Params.ChannelID);
+        LastRecTimePos = core::RoundToInt(Params.TimePosMS);
+        break;
     default:
         break;
     }
@@ -242,6 +248,16 @@ const std::string& ProjectFile_Class::GetAudioPath() const
 std::string ProjectFile_Class::FixAudioFilePath(std::string_view Path) const
 {
     return m_storage->Folder().FixAudioFilePath(Path);
+}
+
+std::unordered_set<std::string> ProjectFile_Class::util_AudioFilesInUse() const
+{
+    return m_storage->FilesInUse();
+}
+
+void ProjectFile_Class::util_OfferAbandonedTakes()
+{
+    TakeRecovery(*this).OfferAbandoned();
 }
 
 bool ProjectFile_Class::IsNewProject() const
@@ -431,6 +447,21 @@ void ProjectFile_Class::util_StopIfPlayingOrRecording()
     } else if (Player->isPlaying()) {
         Send(core::Msg_Player_Stop, params);
     }
+}
+
+bool ProjectFile_Class::util_RepeatLastRecording()
+{
+    if (LastRecTimePos == core::kUnset) {
+        return false;
+    }
+    // What follows changes both.
+    MsgSender->WhenIdle(
+        [this, timePos = LastRecTimePos, channelID = core::ClassID(LastRecChannelID), alive = std::weak_ptr(m_alive)] {
+            if (!alive.expired()) {
+                RepeatRecording(*this, timePos, channelID);
+            }
+        });
+    return true;
 }
 
 void ProjectFile_Class::FX_ShowSetupForm(core::ClassID ChannelID)

@@ -11,6 +11,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace velmora::audio {
@@ -89,6 +90,12 @@ public:
     /// The absolute path of an event's file; "" for a relative path that leads out of the audio folder.
     std::string FixAudioFilePath(std::string_view Path) const;
     bool IsNewProject() const;
+    /// The files of the audio folder that clips play, by their names.
+    std::unordered_set<std::string> util_AudioFilesInUse() const;
+    /// Asks what becomes of the recordings of new projects that were never saved and that nobody has open: they are
+    /// added to this one or go to the trash, with the folders they were in. Once the program has started with a new
+    /// project; does nothing for one with a file.
+    void util_OfferAbandonedTakes();
     /// Audio files that the loaded project names and that are not there, absolute, each once.
     const std::vector<std::string>& MissingFiles() const;
 
@@ -132,6 +139,9 @@ public:
     bool util_SoloEnabled() const;
     void util_Send_SoloChangedMSG_toAllChannels();
     void util_StopIfPlayingOrRecording();
+    /// Drops the last take if nothing was done since, and records again in its place and on its channel. False, and
+    /// nothing happens, when there is none to repeat. Inside a delivery of the bus it waits for its end.
+    bool util_RepeatLastRecording();
 
     std::int32_t Player_LTimePos() const { return m_playerTimePos; }
     core::ClassID Selected_MusicChannel() const { return m_selectedMusic; }
@@ -161,6 +171,8 @@ private:
     core::ClassID m_selectedMusic = core::kUnsetFloat;
     core::ClassID m_selectedVoice = core::kUnsetFloat;
     std::int32_t m_playerTimePos = 0;
+    /// Gone with this object: a command that still waits then does nothing.
+    std::shared_ptr<const bool> m_alive = std::make_shared<const bool>(true);
 };
 
 } // namespace velmora::project

@@ -45,6 +45,13 @@ void Undo_Class::AddUndo(std::string_view Title, std::int32_t UndoDataType, core
     m_project.Modified = true;
 }
 
+void Undo_Class::Forget(std::int32_t SeqID)
+{
+    if (std::erase_if(m_undo.entries, [SeqID](const UndoData_Class& entry) { return entry.SeqID == SeqID; }) > 0) {
+        Send(core::Msg_UndoListChanged);
+    }
+}
+
 void Undo_Class::ClearUndoRedoList()
 {
     m_undo.entries.clear();
@@ -69,6 +76,11 @@ std::string Undo_Class::CurUndo_Title() const
 std::string Undo_Class::CurRedo_Title() const
 {
     return m_redo.entries.empty() ? std::string() : "Redo " + m_redo.entries.back().Title;
+}
+
+std::int32_t Undo_Class::CurUndo_SeqID() const
+{
+    return m_undo.entries.empty() ? kNoTag : m_undo.entries.back().SeqID;
 }
 
 std::int32_t Undo_Class::CurUndo_SpecialID() const

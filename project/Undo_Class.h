@@ -30,6 +30,8 @@ public:
     /// oldest goes. `ChannelID` and `SpecialID` are -1 for none.
     void AddUndo(std::string_view Title, std::int32_t UndoDataType, core::ClassID ChannelID = -1,
                  std::int32_t SpecialID = -1);
+    /// Forgets the step of this number without restoring it: its edit goes with the step before.
+    void Forget(std::int32_t SeqID);
     /// Forgets all steps.
     void ClearUndoRedoList();
 
@@ -42,7 +44,8 @@ public:
     /// "Undo " or "Redo " with the title of the step next in line; "" without one.
     std::string CurUndo_Title() const;
     std::string CurRedo_Title() const;
-    /// Tag and channel of the step that `Undo` would take back; -1 without one.
+    /// Number, tag and channel of the step that `Undo` would take back; -1 without one.
+    std::int32_t CurUndo_SeqID() const;
     std::int32_t CurUndo_SpecialID() const;
     core::ClassID CurUndo_ChannelID() const;
 

@@ -32,7 +32,7 @@ public:
     std::string FixAudioFilePath(std::string_view Path) const;
 
     /// Moves the ".wav" and ".wma" files that none of `usedPaths` names or points at to the trash; nothing while the
-    /// journal of a take (`*.take`) waits for its answer.
+    /// journal of a take (`*.take`) is there.
     void DeleteUnusedFiles(const std::vector<std::string>& usedPaths);
 
 private:

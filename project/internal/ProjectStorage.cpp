@@ -11,8 +11,10 @@
 #include "project/ProjectFile_Class.h"
 #include "project/internal/ChannelRegistry.h"
 #include "project/internal/FolderTransfer.h"
+#include "project/internal/PathText.h"
 #include "project/internal/ProjectFileText.h"
 #include "project/internal/ProjectText.h"
+#include "project/internal/TakeRecovery.h"
 
 #include <optional>
 #include <utility>
@@ -94,6 +96,9 @@ bool ProjectStorage::Load(OpenedProject opened, bool ignoreMissing)
 
     Send(core::Msg_Master_SetMute);
     Send(core::Msg_Refresh);
+    if (edits) {
+        TakeRecovery(m_project).OfferOwn();
+    }
     DeleteUnusedFiles();
     if (edits) {
         views.RemoveUnusedWaveCacheItems();
@@ -131,6 +136,7 @@ bool ProjectStorage::Save(std::string_view path)
     const std::string newFolder = ProjectFolder::AudioFolderOf(target);
     std::optional<FolderTransfer> transfer;
     if (!same && !files.SameFile(newFolder, oldFolder)) {
+        EndTake();
         transfer.emplace(m_environment, oldFolder, newFolder);
         if (!transfer->Prepare(m_isNewProject)) {
             return false;
@@ -154,7 +160,15 @@ bool ProjectStorage::Save(std::string_view path)
     m_isNewProject = false;
     m_projectPath = target;
     m_project.Modified = false;
+    m_project.Recorder->ProjectSaved(oldFolder);
     return true;
+}
+
+void ProjectStorage::EndTake() const
+{
+    if (m_project.Recorder->isRecording()) {
+        Send(core::Msg_Recorder_Stop);
+    }
 }
 
 bool ProjectStorage::WriteWithCopy(const std::string& path, const std::string& text, FolderTransfer& transfer)
@@ -186,15 +200,31 @@ void ProjectStorage::DeleteUnusedFiles()
     if (m_mode == OpenMode::ReadOnly || !m_whole) {
         return;
     }
-    std::vector<std::string> used;
-    m_channels.ForEach([&used](Channel_Class& channel) {
+    m_folder.DeleteUnusedFiles(ClipPaths());
+}
+
+std::unordered_set<std::string> ProjectStorage::FilesInUse() const
+{
+    std::unordered_set<std::string> names;
+    for (const std::string& path : ClipPaths()) {
+        if (!IsAbsolute(path)) {
+            names.insert(path.substr(path.starts_with('\\') ? 1 : 0));
+        }
+    }
+    return names;
+}
+
+std::vector<std::string> ProjectStorage::ClipPaths() const
+{
+    std::vector<std::string> paths;
+    m_channels.ForEach([&paths](const Channel_Class& channel) {
         for (const EventRow* row : channel.ChannelData->InTimeOrder()) {
             if (row->EventOBJ) {
-                used.push_back(row->EventOBJ->FilePath);
+                paths.push_back(row->EventOBJ->FilePath);
             }
         }
     });
-    m_folder.DeleteUnusedFiles(used);
+    return paths;
 }
 
 persistence::SharedText ProjectStorage::GetSharedXML() const

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace velmora::project {
@@ -26,6 +27,7 @@ public:
     bool Load(OpenedProject opened, bool ignoreMissing);
     bool Save(std::string_view path);
     void DeleteUnusedFiles();
+    std::unordered_set<std::string> FilesInUse() const;
 
     persistence::SharedText GetSharedXML() const;
     /// `id` takes the id of the text when `loadIDs` is set.
@@ -42,7 +44,10 @@ private:
     bool ReadInto(const OpenedProject& opened, bool ignoreMissing);
     bool WriteWithCopy(const std::string& path, const std::string& text, FolderTransfer& transfer);
     bool ReportNotWritten() const;
+    /// A take's file cannot move while it grows.
+    void EndTake() const;
     void Send(std::int32_t msgID) const;
+    std::vector<std::string> ClipPaths() const;
 
     ProjectFile_Class& m_project;
     ChannelRegistry& m_channels;

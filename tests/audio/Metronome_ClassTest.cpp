@@ -62,10 +62,9 @@ TEST_F(Metronome, SettingsComeBackWithTheSameBytes)
     EXPECT_FALSE(BASS_StreamFree(stream)) << "freed already";
 }
 
-TEST(Recorder, CounterIsKeptInTheProject)
+TEST_F(Metronome, RecordersCounterIsKeptInTheProject)
 {
-    testing::TestEnvironment environment;
-    Recorder_Class recorder(*environment);
+    Recorder_Class& recorder = *m_project->Recorder;
     const std::string text = "<Recorder_Class>\r\n  <recordCounter>int: 12</recordCounter>\r\n</Recorder_Class>\r\n";
     ASSERT_TRUE(recorder.LoadXMLData(text));
     EXPECT_EQ(recorder.GetXMLData(), text);

@@ -208,11 +208,14 @@ TEST_F(SaveProject, UnusedTakesGoToTheTrashAndNothingElse)
     WriteSound("a0- record 1.wma");
 
     // A take waits for its answer: nothing goes.
+    const std::string take = WriteSound("a9- Record 1.wav");
     const std::string journal = m_project->FixAudioFilePath("a9- Record 1.take");
     m_environment.disk.WriteTextFile(journal, "");
+    Messages().Expect(core::Answer::Cancel);
     ASSERT_TRUE(Load(path));
     EXPECT_TRUE(m_environment.ports.trash.moved.empty());
     m_environment.disk.DeleteFile(journal);
+    m_environment.disk.DeleteFile(take);
     ASSERT_TRUE(Load(path, OpenMode::ReadOnly));
     EXPECT_TRUE(m_environment.ports.trash.moved.empty());
     ASSERT_TRUE(Load(path));

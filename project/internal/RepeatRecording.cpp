@@ -1,0 +1,29 @@
+#include "project/internal/RepeatRecording.h"
+
+#include "core/MsgIds.h"
+#include "core/Units.h"
+#include "project/ProjectFile_Class.h"
+#include "project/Undo_Class.h"
+
+namespace velmora::project {
+
+void RepeatRecording(ProjectFile_Class& project, std::int32_t timePos, core::ClassID channelID)
+{
+    const auto send = [&project](std::int32_t msgID, core::MsgParametersClass params) {
+        project.MsgSender->SendMsg(core::RoundToInt(project.ClassID()), msgID, params);
+    };
+    project.util_StopIfPlayingOrRecording();
+    if (project.Undo->CurUndo_Title() == "Undo recording") {
+        project.Undo->Undo();
+    }
+    core::MsgParametersClass select;
+    select.SelectChannelID = channelID;
+    send(core::Msg_SelectVoiceChannel, select);
+    core::MsgParametersClass range;
+    range.PlayFromMS = core::kUnset;
+    range.PlayToMS = timePos;
+    send(core::Msg_Player_SetRange, range);
+    send(core::Msg_Recorder_Start, {});
+}
+
+} // namespace velmora::project
