@@ -8,6 +8,7 @@
 #include "controls/VUMeter_UserCtrl.h"
 #include "controls/imgButton.h"
 #include "controls/imgScroll.h"
+#include "tests/controls/MixerPicture.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -17,7 +18,8 @@
 #include <QPainter>
 #include <QToolTip>
 
-/// Writes a picture of every control in every state: controls_gallery OUT.png. QT_SCALE_FACTOR sets the scale.
+/// Writes pictures of every control in every state and of the mixer: controls_gallery FOLDER. QT_SCALE_FACTOR sets the
+/// scale.
 namespace velmora::controls {
 namespace {
 
@@ -222,7 +224,7 @@ QPixmap Menu()
     return menu.grab();
 }
 
-int Write(const QString& path)
+bool WriteControls(const QString& path)
 {
     Page page;
     page.ensurePolished();
@@ -231,7 +233,7 @@ int Write(const QString& path)
     page.PaintRings(painter);
     painter.drawPixmap(860, 554, Menu());
     painter.end();
-    return picture.save(path) ? 0 : 1;
+    return picture.save(path);
 }
 
 } // namespace
@@ -240,6 +242,13 @@ int Write(const QString& path)
 int main(int argc, char* argv[])
 {
     QApplication application(argc, argv);
-    velmora::controls::InstallLook(application);
-    return argc == 2 ? velmora::controls::Write(QString::fromLocal8Bit(argv[1])) : 2;
+    if (argc != 2) {
+        return 2;
+    }
+    using namespace velmora::controls;
+    InstallLook(application);
+    const QString folder = QString::fromLocal8Bit(argv[1]);
+    const bool written = WriteControls(folder + "/controls.png") && MixerPicture().save(folder + "/mixer.png") &&
+                         EmptyMixerPicture().save(folder + "/mixer-empty.png");
+    return written ? 0 : 1;
 }
