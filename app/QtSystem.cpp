@@ -2,6 +2,7 @@
 
 #include "app/QtText.h"
 #include "core/Paths.h"
+#include "core/ProgramFiles.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -100,7 +101,7 @@ std::string DesktopFolders::Get(core::ShellFolder folder) const
 
 std::string DesktopFolders::AppExe() const
 {
-    return core::InternalPath(FromQt(QCoreApplication::applicationDirPath()));
+    return core::ProgramFilesFolder();
 }
 
 bool DesktopTrash::Move(std::string_view path)

@@ -42,16 +42,17 @@ std::string Inside(std::string_view folder, std::string_view name)
     return std::string(folder).append("\\").append(name);
 }
 
-/// The user's own files stay. One that cannot be copied is left out.
-void CopyStarterPresets(Files& files, const std::string& from, const std::string& to)
+/// All of a folder; what is there already stays, and what cannot be copied is left out.
+void CopyFolder(Files& files, const std::string& from, const std::string& to)
 {
-    for (const std::string_view name : kPresetFolders) {
-        for (const std::string& file : files.ListFiles(Inside(from, name), "*.*")) {
-            const std::string copy = Inside(Inside(to, name), file);
-            if (!files.FileExists(copy)) {
-                files.CopyFile(Inside(Inside(from, name), file), copy);
-            }
+    MakeFolderWithParents(files, to);
+    for (const std::string& name : files.ListFiles(from, "*.*")) {
+        if (!files.FileExists(Inside(to, name))) {
+            files.CopyFile(Inside(from, name), Inside(to, name));
         }
+    }
+    for (const std::string& name : files.ListFolders(from)) {
+        CopyFolder(files, Inside(from, name), Inside(to, name));
     }
 }
 
@@ -95,7 +96,16 @@ void MakeProgramFolders(Environment& environment)
         MakeFolderWithParents(files, Inside(presets, name));
     }
     if (isNew && environment.paths.HasPath("starterpresets")) {
-        CopyStarterPresets(files, environment.paths.GetPath("starterpresets"), presets);
+        const std::string starter = environment.paths.GetPath("starterpresets");
+        for (const std::string_view name : kPresetFolders) {
+            CopyFolder(files, Inside(starter, name), Inside(presets, name));
+        }
+    }
+    if (environment.paths.HasPath("starterexamples")) {
+        const std::string examples = environment.paths.GetPath("examples");
+        if (!files.FolderExists(examples)) {
+            CopyFolder(files, environment.paths.GetPath("starterexamples"), examples);
+        }
     }
 }
 

@@ -10,7 +10,8 @@ namespace velmora::core {
 
 /// Makes the "newprojects", "config" and "presets" folders of the path table, and those for effects inside the last,
 /// each only if absent, with the folders above them. When the "presets" folder was not there, it gets the packs and
-/// presets of the "starterpresets" folder, if the table names one.
+/// presets of the "starterpresets" folder, and an "examples" folder that is not there is made from the
+/// "starterexamples" one: each if the table names it. Opening a project takes a folder that can be written.
 void MakeProgramFolders(Environment& environment);
 
 /// The folders of new projects that were never saved; one of a running program, this one too, is among them, and held.

@@ -58,6 +58,28 @@ TEST(ProgramFolders, NewPresetsFolderStartsWithOurs)
     EXPECT_FALSE(environment.disk.FileExists(pack)) << "what the user deleted does not come back";
 }
 
+TEST(ProgramFolders, ExamplesAreTheUsersOwn)
+{
+    testing::TestEnvironment environment;
+    const auto write = [&](const std::string& name, const std::string& text) {
+        ASSERT_TRUE(environment.disk.WriteTextFile(environment.Path(name), text));
+    };
+    write("paths.cfg", "examples={AppEXE}\\mine\\Examples\nstarterexamples={AppEXE}\\ours");
+    environment->paths.LoadPaths(environment.Path("paths.cfg"));
+    environment.disk.MakeFolderIfMissing(environment.Path("ours"));
+    environment.disk.MakeFolderIfMissing(environment.Path("ours\\Song - Audio files"));
+    write("ours\\Song.audioproj", "song");
+    write("ours\\Song - Audio files\\a.ogg", "sound");
+
+    MakeProgramFolders(*environment);
+    const std::string project = environment.Path("mine\\Examples\\Song.audioproj");
+    EXPECT_EQ(environment->files.ReadTextFile(project), "song");
+    EXPECT_EQ(environment->files.ReadTextFile(environment.Path("mine\\Examples\\Song - Audio files\\a.ogg")), "sound");
+    write("mine\\Examples\\Song.audioproj", "changed");
+    MakeProgramFolders(*environment);
+    EXPECT_EQ(environment->files.ReadTextFile(project), "changed");
+}
+
 class AbandonedProjects : public ::testing::Test {
 protected:
     std::string Make(const std::string& name, std::initializer_list<std::string> fileNames)

@@ -8,6 +8,7 @@ import re
 import shutil
 import subprocess
 import tempfile
+import time
 import unittest
 import xml.etree.ElementTree
 from pathlib import Path
@@ -41,6 +42,27 @@ class Installed(unittest.TestCase):
             mixes.append(out.read_bytes())
         self.assertGreater(len(mixes[0]), 1_000_000)
         self.assertTrue(mixes[0] == mixes[1])
+
+    def test_first_start_opens_the_users_copy_of_the_welcome_project(self):
+        window = self.prefix / "bin/velmora"
+        if not window.exists():
+            self.skipTest("built without the window")
+        home = self.prefix / "first"
+        home.mkdir(mode=0o700)
+        environment = {"HOME": str(home), "PATH": "/usr/bin:/bin", "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen",
+                       "XDG_RUNTIME_DIR": str(home)}
+        environment |= {name: os.environ[name] for name in ("PULSE_SERVER", "ALSA_CONFIG_PATH") if name in os.environ}
+        with subprocess.Popen([window], env=environment, stderr=subprocess.PIPE, text=True) as running:
+            opened = home / "Documents/Velmora/Examples/Welcome (Bar style) - Audio files/accheck.dat"
+            until = time.monotonic() + 60
+            while not opened.exists() and running.poll() is None and time.monotonic() < until:
+                time.sleep(0.05)
+            ended = running.poll()
+            running.kill()
+            said = running.stderr.read()
+        self.assertTrue(opened.exists(), said)
+        self.assertIsNone(ended, said)
+        self.assertEqual(said, "")
 
     def test_own_libraries_come_from_the_installation(self):
         for program in (self.prefix / "bin").iterdir():
