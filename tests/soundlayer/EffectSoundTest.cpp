@@ -81,5 +81,113 @@ TEST(ParametricEq, RowsSoundAsOneBehindTheOther)
     }
 }
 
+/// The frames that are not zero, with their values.
+std::vector<std::pair<std::size_t, float>> Heard(const std::vector<float>& side)
+{
+    std::vector<std::pair<std::size_t, float>> heard;
+    for (std::size_t i = 0; i < side.size(); ++i) {
+        if (side[i] != 0) {
+            heard.emplace_back(i, side[i]);
+        }
+    }
+    return heard;
+}
+
+TEST(Echo, RepeatsAtItsFrames)
+{
+    using Heard_ = std::vector<std::pair<std::size_t, float>>;
+    // 10.02 ms are 441.88 frames, 1 ms is 44.1.
+    const auto effect = EffectWith(BASS_FX_DX8_ECHO, BASS_DX8_ECHO{25, 50, 10.02F, 1, 0});
+    Sides sound = Impulse(1000);
+    Play(*effect, sound, 1000);
+    EXPECT_EQ(Heard(sound.left), (Heard_{{0, 0.75F}, {442, 0.25F}, {884, 0.125F}}));
+    ASSERT_GT(Heard(sound.right).size(), 3U);
+    EXPECT_EQ(Heard(sound.right)[3], (std::pair<std::size_t, float>{132, 0.0625F}));
+
+    // The right side's repeats go to and fro, each after the delay of the side that it comes from.
+    const auto swapping = EffectWith(BASS_FX_DX8_ECHO, BASS_DX8_ECHO{100, 50, 2000, 100, -1});
+    Sides right(200'000);
+    right.right[0] = 1;
+    Play(*swapping, right);
+    EXPECT_EQ(Heard(right.right), (Heard_{{4410, 1.0F}, {97'020, 0.25F}, {189'630, 0.0625F}}));
+    EXPECT_EQ(Heard(right.left), (Heard_{{92'610, 0.5F}, {185'220, 0.125F}}));
+
+    // Feedback never reaches 1.
+    const auto longest = EffectWith(BASS_FX_DX8_ECHO, BASS_DX8_ECHO{100, 100, 1, 1, 0});
+    Sides repeats = Impulse(44 * 101);
+    Play(*longest, repeats);
+    EXPECT_LT(repeats.left[44 * 100], std::pow(0.995, 99));
+    EXPECT_GT(repeats.left[44 * 100], std::pow(0.99, 99));
+}
+
+TEST(Compressor, LevelsFollowTheCurve)
+{
+    for (const BASS_DX8_COMPRESSOR block :
+         {BASS_DX8_COMPRESSOR{0, 0.2F, 50, -10, 10, 0}, BASS_DX8_COMPRESSOR{6, 20, 50, -40, 2, 4},
+          BASS_DX8_COMPRESSOR{-12, 0.01F, 500, -60, 100, 1}, BASS_DX8_COMPRESSOR{60, 5, 100, -20, 1, 0}}) {
+        for (const double level : {-70.0, -41.0, -21.0, -9.0, -1.0}) {
+            const auto effect = EffectWith(BASS_FX_DX8_COMPRESSOR, block);
+            Sides sound = Sine(1000, std::pow(10, level / 20), 2 * kRate);
+            // The louder side leads, the other one follows it.
+            for (float& sample : sound.right) {
+                sample *= 0.1F;
+            }
+            Play(*effect, sound);
+            const double threshold = block.fThreshold;
+            const double wanted =
+                block.fGain + (level < threshold ? level : threshold + (level - threshold) / block.fRatio);
+            const double heard = Decibels(AmplitudeAt(sound.left, 1000, kRate, kRate / 2));
+            EXPECT_NEAR(heard, wanted, 0.2) << level << " dB above " << threshold;
+            EXPECT_NEAR(Decibels(AmplitudeAt(sound.right, 1000, kRate, kRate / 2)), heard - 20, 0.01);
+        }
+    }
+}
+
+/// The frames, from `first` on, after which the gain of a tone has gone the share 1 - 1/e of its way in dB.
+double TimeOfWay(const std::vector<float>& heard, const std::vector<float>& played, std::size_t first)
+{
+    // Only near the tone's peaks the gain is known well.
+    std::vector<std::pair<double, double>> gains;
+    for (std::size_t i = first; i < heard.size(); ++i) {
+        if (std::abs(played[i]) > 0.7F * std::abs(played[first])) {
+            gains.emplace_back(static_cast<double>(i - first), Decibels(std::abs(heard[i] / played[i])));
+        }
+    }
+    const double from = gains.front().second;
+    const double to = gains.back().second;
+    const double reached = from + (to - from) * (1 - std::exp(-1.0));
+    for (const auto& [frame, gain] : gains) {
+        if ((to < from) == (gain <= reached)) {
+            return frame;
+        }
+    }
+    return -1;
+}
+
+TEST(Compressor, KeepsItsTimes)
+{
+    for (const auto& [attack, release] :
+         {std::pair{1.0F, 50.0F}, {5.0F, 100.0F}, {50.0F, 50.0F}, {500.0F, 50.0F}, {10.0F, 3000.0F}}) {
+        const auto effect = EffectWith(BASS_FX_DX8_COMPRESSOR, BASS_DX8_COMPRESSOR{0, attack, release, -30, 4, 0});
+        // A steady level that steps up and down: a wave that is on one of two heights, far above the threshold.
+        const std::size_t half = static_cast<std::size_t>(10 * std::max(attack, 20.0F)) * kRate / 1000;
+        const std::size_t rest = static_cast<std::size_t>(10 * release) * kRate / 1000;
+        Sides sound(half + half + rest);
+        for (std::size_t i = 0; i < sound.Frames(); ++i) {
+            const float height = i >= half && i < 2 * half ? 0.5F : 0.05F;
+            sound.left[i] = sound.right[i] = i / 20 % 2 == 0 ? height : -height;
+        }
+        const Sides played = sound;
+        Play(*effect, sound);
+        Sides falling;
+        const std::vector<float> attackHeard(sound.left.begin(), sound.left.begin() + static_cast<long>(2 * half));
+        const double attackMs = TimeOfWay(attackHeard, played.left, half) * 1000 / kRate;
+        EXPECT_NEAR(attackMs, attack, 0.1 * attack);
+        // The level holds for a moment before it falls.
+        const double releaseMs = TimeOfWay(sound.left, played.left, 2 * half) * 1000 / kRate;
+        EXPECT_NEAR(releaseMs, release, 0.1 * release);
+    }
+}
+
 } // namespace
 } // namespace velmora::soundlayer
