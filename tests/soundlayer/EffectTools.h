@@ -71,6 +71,19 @@ std::unique_ptr<Effect> EffectWith(std::uint32_t type, const Block& block, std::
     return effect;
 }
 
+/// The greatest step that a piece of sound could hold: fourth differences hardly know slow waves, and three times a
+/// step.
+template <typename Sample>
+double GreatestStep(const std::vector<Sample>& sound, std::size_t first, std::size_t frames, std::size_t stride = 1)
+{
+    double greatest = 0;
+    for (std::size_t i = first + 4; i < first + frames; ++i) {
+        const auto at = [&](std::size_t back) { return static_cast<double>(sound[(i - back) * stride]); };
+        greatest = std::max(greatest, std::abs(at(0) - 4 * at(1) + 6 * at(2) - 4 * at(3) + at(4)) / 3);
+    }
+    return greatest;
+}
+
 /// Amplitude of `hertz` in the frames from `first` on, with a Hann window.
 inline double AmplitudeAt(const std::vector<float>& sound, double hertz, std::size_t first, std::size_t frames)
 {

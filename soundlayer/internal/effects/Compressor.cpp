@@ -27,22 +27,24 @@ Compressor::Compressor(std::uint32_t rate)
     , m_gain(rate)
     , m_threshold(rate)
     , m_slope(rate)
+    , m_attackTime(rate)
+    , m_releaseTime(rate)
     , m_peaks(static_cast<std::size_t>(kWindowSeconds * rate / kPiece) + 2)
 {
 }
 
-double Compressor::Share(float milliseconds) const
+double Compressor::Share(float time) const
 {
-    return -std::expm1(-1000.0 / (static_cast<double>(milliseconds) * m_rate));
+    return -std::expm1(-1000.0 / (std::exp2(static_cast<double>(time)) * m_rate));
 }
 
 void Compressor::Aim(const BASS_DX8_COMPRESSOR& block, bool atOnce)
 {
-    m_gain.SetTarget(block.fGain / kDecibels, atOnce);
+    m_gain.SetTarget(FastExp2(block.fGain / kDecibels), atOnce);
     m_threshold.SetTarget(block.fThreshold / kDecibels, atOnce);
     m_slope.SetTarget(1.0F - 1.0F / block.fRatio, atOnce);
-    m_attack = Share(block.fAttack);
-    m_release = Share(block.fRelease);
+    m_attackTime.SetTarget(std::log2(block.fAttack), atOnce);
+    m_releaseTime.SetTarget(std::log2(block.fRelease), atOnce);
     m_tap.SetTarget(static_cast<std::size_t>(std::lround(static_cast<double>(block.fPreDelay) * m_rate / 1000.0)),
                     atOnce);
 }
@@ -53,6 +55,12 @@ void Compressor::Move()
     m_threshold.Move();
     m_slope.Move();
     m_tap.Move();
+    m_attackTime.Move();
+    m_releaseTime.Move();
+    if (m_attack == 0 || m_attackTime.Moving() || m_releaseTime.Moving()) {
+        m_attack = Share(m_attackTime.End());
+        m_release = Share(m_releaseTime.End());
+    }
 }
 
 bool Compressor::AtRest() const
@@ -129,7 +137,7 @@ void Compressor::Run(float* left, float* right, std::size_t frames, std::size_t 
     }
     m_reduction = reduction;
     for (std::size_t i = 0; i < frames; ++i) {
-        gain[i] = FastExp2(m_gain.At(at + i) - gain[i]);
+        gain[i] = m_gain.At(at + i) * FastExp2(-gain[i]);
     }
     Delay(m_left, left, frames, at);
     Delay(m_right, right, frames, at);

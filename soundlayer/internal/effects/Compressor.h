@@ -33,19 +33,23 @@ private:
     void Delay(DelayLine& line, float* side, std::size_t frames, std::size_t at) const;
     bool Unheard() const;
     void Measure(const float* left, const float* right, Frames& level, std::size_t frames, std::size_t at);
-    double Share(float milliseconds) const;
+    /// Of the way that is done in one frame, for a time as below.
+    double Share(float time) const;
 
     const std::uint32_t m_rate;
     DelayLine m_left;
     DelayLine m_right;
     DelayTap m_tap;
-    /// In powers of two, as levels are inside.
     Glide m_gain;
+    /// A power of two, as levels are inside.
     Glide m_threshold;
     /// Share of what is above the threshold that is taken away.
     Glide m_slope;
-    double m_attack = 1.0;
-    double m_release = 1.0;
+    /// Powers of two of ms.
+    Glide m_attackTime;
+    Glide m_releaseTime;
+    double m_attack = 0.0;
+    double m_release = 0.0;
     /// Peaks of the last pieces of the sound, a ring; the present one's place.
     std::vector<float> m_peaks;
     std::size_t m_piece = 0;

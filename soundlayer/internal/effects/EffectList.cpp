@@ -187,11 +187,8 @@ void EffectList::Run(float* left, float* right, std::size_t frames) const
 
 void EffectList::RunFading(const Entry& entry, float* left, float* right, std::size_t frames)
 {
-    std::array<float, kGrain> dryLeft;
-    std::array<float, kGrain> dryRight;
-    std::copy_n(left, frames, dryLeft.data());
-    std::copy_n(right, frames, dryRight.data());
-    entry.slot->effect->Process(left, right, frames);
+    // What goes in fades like what comes out: else an echo would repeat how abruptly it was set.
+    std::array<float, kGrain> share;
     std::size_t& faded = entry.slot->m_faded;
     for (std::size_t i = 0; i < frames; ++i) {
         if (entry.leaving) {
@@ -199,9 +196,21 @@ void EffectList::RunFading(const Entry& entry, float* left, float* right, std::s
         } else {
             faded += faded < kFade ? 1 : 0;
         }
-        const float share = static_cast<float>(faded) / kFade;
-        left[i] = dryLeft[i] + share * (left[i] - dryLeft[i]);
-        right[i] = dryRight[i] + share * (right[i] - dryRight[i]);
+        const float t = static_cast<float>(faded) / kFade;
+        share[i] = t * t * (3.0F - 2.0F * t);
+    }
+    std::array<float, kGrain> leftOut{};
+    std::array<float, kGrain> rightOut{};
+    for (std::size_t i = 0; i < frames; ++i) {
+        leftOut[i] = share[i] * left[i];
+        rightOut[i] = share[i] * right[i];
+    }
+    const auto leftIn = leftOut;
+    const auto rightIn = rightOut;
+    entry.slot->effect->Process(leftOut.data(), rightOut.data(), frames);
+    for (std::size_t i = 0; i < frames; ++i) {
+        left[i] += share[i] * (leftOut[i] - leftIn[i]);
+        right[i] += share[i] * (rightOut[i] - rightIn[i]);
     }
 }
 

@@ -8,12 +8,13 @@
 
 namespace velmora::soundlayer {
 
-/// A value on its way to where a parameter wants it: a straight line of about 20 ms that begins and ends with a grain.
-/// All is [RT].
+/// A value on its way to where a parameter wants it: about 30 ms along t x t x (3 - 2 t), so that it neither starts nor
+/// ends with a jerk; straight within each grain. All is [RT].
 class Glide {
 public:
     explicit Glide(std::uint32_t rate)
-        : m_length(std::max<std::size_t>(1, (rate / 50 + GrainEffect::kGrain / 2) / GrainEffect::kGrain))
+        : m_length(std::max<std::size_t>(1, (rate * 3 / 100 + GrainEffect::kGrain / 2) / GrainEffect::kGrain))
+        , m_done(m_length)
     {
     }
 
@@ -22,11 +23,11 @@ public:
     {
         if (atOnce) {
             m_target = m_end = target;
-            m_left = 0;
+            m_done = m_length;
         } else if (target != m_target) {
+            m_from = m_end;
             m_target = target;
-            m_delta = (m_target - m_end) / static_cast<float>(m_length);
-            m_left = m_length;
+            m_done = 0;
         }
     }
 
@@ -34,9 +35,10 @@ public:
     void Move()
     {
         m_start = m_end;
-        if (m_left > 0) {
-            --m_left;
-            m_end = m_left == 0 ? m_target : m_end + m_delta;
+        if (m_done < m_length) {
+            ++m_done;
+            const float t = static_cast<float>(m_done) / static_cast<float>(m_length);
+            m_end = m_done == m_length ? m_target : m_from + (m_target - m_from) * t * t * (3.0F - 2.0F * t);
         }
     }
 
@@ -52,9 +54,9 @@ public:
 
 private:
     std::size_t m_length;
-    std::size_t m_left = 0;
+    std::size_t m_done;
+    float m_from = 0.0F;
     float m_target = 0.0F;
-    float m_delta = 0.0F;
     float m_start = 0.0F;
     float m_end = 0.0F;
 };

@@ -19,14 +19,15 @@ using Mask = std::int32_t __attribute__((vector_size(kLanes * sizeof(float))));
 
 /// The sections of one vector, lane by lane.
 struct Lanes {
+    Vector g{};
+    Vector k{};
+    Vector m{};
+    Vector stepG{};
+    Vector stepK{};
+    Vector stepM{};
+    /// What follows from g and k, where these rest.
     Vector a{};
     Vector b{};
-    Vector g{};
-    Vector m{};
-    Vector stepA{};
-    Vector stepB{};
-    Vector stepG{};
-    Vector stepM{};
     Vector s1{};
     Vector s2{};
     Vector out{};
@@ -34,6 +35,12 @@ struct Lanes {
     Mask number{};
     Vector frame{};
 };
+
+[[gnu::always_inline]] inline void Solve(const Vector& g, const Vector& k, Vector& a, Vector& b)
+{
+    a = 2.0F / (1.0F + g * (g + k));
+    b = a * g;
+}
 
 [[gnu::always_inline]] inline void Load(Lanes& lanes, std::span<PeakSection* const> sections, std::size_t first,
                                         std::size_t at)
@@ -44,18 +51,17 @@ struct Lanes {
         lanes.frame[lane] = static_cast<float>(at + 1) - static_cast<float>(number);
         if (number < sections.size()) {
             const PeakSection& section = *sections[number];
-            lanes.a[lane] = section.start.a;
-            lanes.b[lane] = section.start.b;
             lanes.g[lane] = section.start.g;
+            lanes.k[lane] = section.start.k;
             lanes.m[lane] = section.start.m;
-            lanes.stepA[lane] = section.step.a;
-            lanes.stepB[lane] = section.step.b;
             lanes.stepG[lane] = section.step.g;
+            lanes.stepK[lane] = section.step.k;
             lanes.stepM[lane] = section.step.m;
             lanes.s1[lane] = section.s1[lane % 2];
             lanes.s2[lane] = section.s2[lane % 2];
         }
     }
+    Solve(lanes.g, lanes.k, lanes.a, lanes.b);
 }
 
 [[gnu::always_inline]] inline void Store(const Lanes& lanes, std::span<PeakSection* const> sections, std::size_t first)
@@ -79,10 +85,10 @@ template <bool Gliding>
     Vector m = lanes.m;
     if constexpr (Gliding) {
         const Vector frame = lanes.frame + static_cast<float>(step);
-        a += frame * lanes.stepA;
-        b += frame * lanes.stepB;
+        const Vector k = lanes.k + frame * lanes.stepK;
         g += frame * lanes.stepG;
         m += frame * lanes.stepM;
+        Solve(g, k, a, b);
     }
     const Vector u = a * lanes.s1 + b * (in - lanes.s2);
     const Vector s1 = u - lanes.s1;
@@ -168,9 +174,7 @@ PeakCoefficients PeakCoefficients::Peak(double rate, double centre, double quali
     const double g = std::tan(std::numbers::pi * Centre(rate, centre) / rate);
     const double amplitude = std::pow(10.0, gainDB / 40.0);
     const double k = 1.0 / (quality * amplitude);
-    const double a1 = 1.0 / (1.0 + g * (g + k));
-    return {static_cast<float>(2.0 * a1), static_cast<float>(2.0 * g * a1), static_cast<float>(g),
-            static_cast<float>(0.5 * k * (amplitude * amplitude - 1.0))};
+    return {static_cast<float>(g), static_cast<float>(k), static_cast<float>(0.5 * k * (amplitude * amplitude - 1.0))};
 }
 
 double PeakCoefficients::QualityOfOctaves(double rate, double centre, double octaves)
@@ -191,9 +195,8 @@ void PeakSection::Aim(const PeakCoefficients& end, bool atOnce)
     start = atOnce ? end : m_end;
     m_end = end;
     constexpr auto kFrames = static_cast<float>(GrainEffect::kGrain);
-    step = {(end.a - start.a) / kFrames, (end.b - start.b) / kFrames, (end.g - start.g) / kFrames,
-            (end.m - start.m) / kFrames};
-    gliding = step.a != 0 || step.b != 0 || step.g != 0 || step.m != 0;
+    step = {(end.g - start.g) / kFrames, (end.k - start.k) / kFrames, (end.m - start.m) / kFrames};
+    gliding = step.g != 0 || step.k != 0 || step.m != 0;
 }
 
 void PeakSection::Settle()

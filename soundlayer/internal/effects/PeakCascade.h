@@ -9,12 +9,12 @@ namespace velmora::soundlayer {
 /// The coefficients of a second-order filter whose state stays sound while they change.
 ///
 /// The state-variable filter by trapezoidal integration (V. Zavalishin, "The Art of VA Filter Design", ch. 4), solved
-/// for u, twice the band-pass: u = a x s1 + b x (in - s2), s1 <- u - s1, s2 <- s2 + g x u, out = in + m x u. Its
-/// response is that of the biquad made by the bilinear transform.
+/// for u, twice the band-pass: u = a x (s1 + g x (in - s2)) with a = 2 / (1 + g x (g + k)), s1 <- u - s1,
+/// s2 <- s2 + g x u, out = in + m x u. Its response is that of the biquad made by the bilinear transform; and since
+/// s1^2 + s2^2 grows only by what comes in, whatever g and k > 0 do meanwhile, no change makes it unstable.
 struct PeakCoefficients {
-    float a = 0.0F;
-    float b = 0.0F;
-    float g = 0.0F;
+    float g = 1.0F;
+    float k = 1.0F;
     float m = 0.0F;
 
     /// A peak of `gainDB` at `centre` Hz, on the circle of `rate` Hz, with the quality of the Audio EQ Cookbook by
