@@ -189,5 +189,87 @@ TEST(Compressor, KeepsItsTimes)
     }
 }
 
+TEST(Compressor, LooksAhead)
+{
+    const auto play = [](float preDelay) {
+        const auto effect = EffectWith(BASS_FX_DX8_COMPRESSOR, BASS_DX8_COMPRESSOR{0, 1, 50, -20, 100, preDelay});
+        Sides sound(4000);
+        sound.left[100] = 0.05F;
+        std::fill(sound.left.begin() + 2000, sound.left.end(), 1.0F);
+        Play(*effect, sound);
+        return sound.left;
+    };
+    const std::vector<float> plain = play(0);
+    const std::vector<float> ahead = play(4);
+    EXPECT_EQ(plain[100], 0.05F);
+    EXPECT_EQ(ahead[100 + 176], 0.05F);
+    EXPECT_GT(*std::ranges::max_element(plain), 0.9F);
+    EXPECT_LT(*std::ranges::max_element(ahead), 0.13F);
+}
+
+/// How loud an overtone of tanh(drive x sine) is beside the tone itself.
+double OvertoneOfTanh(double drive, int overtone)
+{
+    double tone = 0;
+    double over = 0;
+    for (int i = 0; i < 10'000; ++i) {
+        const double angle = 2 * std::numbers::pi * i / 10'000;
+        const double wave = std::tanh(drive * std::sin(angle));
+        tone += wave * std::sin(angle);
+        over += wave * std::sin(overtone * angle);
+    }
+    return std::abs(over / tone);
+}
+
+TEST(Distortion, BendsTheWaveWithoutFoldingOvertonesBack)
+{
+    for (const float edge : {0.0F, 50.0F, 100.0F}) {
+        const auto effect = EffectWith(BASS_FX_DX8_DISTORTION, BASS_DX8_DISTORTION{-6, edge, 8000, 100, 8000});
+        Sides sound = Sine(1000, 1, 2 * kRate);
+        Play(*effect, sound);
+        const double tone = AmplitudeAt(sound.left, 1000, kRate, kRate / 5);
+        double strange = 0;
+        for (int hertz = 100; hertz < 22'050; hertz += 100) {
+            if (hertz % 1000 != 0) {
+                strange = std::max(strange, AmplitudeAt(sound.left, hertz, kRate, kRate / 5));
+            }
+        }
+        EXPECT_LT(Decibels(strange / tone), -65) << edge;
+        const double third = Decibels(AmplitudeAt(sound.left, 3000, kRate, kRate / 5) / tone);
+        EXPECT_NEAR(third, Decibels(OvertoneOfTanh(0.05 * std::pow(800, edge / 100), 3)), 0.3) << edge;
+    }
+}
+
+TEST(Distortion, FiltersBeforeAndBehindAndLeavesNoMean)
+{
+    // All but straight, so that the filters can be heard alone.
+    const auto gain = [](const BASS_DX8_DISTORTION& block, double hertz) {
+        const auto effect = EffectWith(BASS_FX_DX8_DISTORTION, block);
+        Sides sound = Sine(hertz, 0.1, 2 * kRate);
+        Play(*effect, sound);
+        return Decibels(AmplitudeAt(sound.left, hertz, kRate, kRate) / 0.1);
+    };
+    const auto tangent = [](double hertz) { return std::tan(std::numbers::pi * hertz / kRate); };
+    for (const double hertz : {200.0, 1000.0, 4000.0}) {
+        const double butterworth = -10 * std::log10(1 + std::pow(tangent(hertz) / tangent(1000), 4));
+        EXPECT_NEAR(gain({0, 0, 8000, 100, 1000}, hertz), butterworth, 0.1);
+    }
+    EXPECT_NEAR(gain({0, 0, 500, 200, 8000}, 500), 6, 0.1);
+    EXPECT_NEAR(gain({0, 0, 500, 200, 8000}, 2000), 0, 0.2);
+
+    // A lopsided wave: nine tenths low, one tenth high.
+    const auto effect = EffectWith(BASS_FX_DX8_DISTORTION, BASS_DX8_DISTORTION{0, 100, 4000, 100, 8000});
+    Sides sound(2 * kRate);
+    for (std::size_t i = 0; i < sound.Frames(); ++i) {
+        sound.left[i] = sound.right[i] = i % 441 < 44 ? 0.9F : -0.1F;
+    }
+    Play(*effect, sound);
+    double mean = 0;
+    for (std::size_t i = kRate; i < sound.Frames(); ++i) {
+        mean += static_cast<double>(sound.left[i]) / kRate;
+    }
+    EXPECT_NEAR(mean, 0, 1e-3);
+}
+
 } // namespace
 } // namespace velmora::soundlayer

@@ -2,18 +2,18 @@
 
 #include "soundlayer/internal/effects/GrainEffect.h"
 
-#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
 namespace velmora::soundlayer {
 
-/// A value on its way to where a parameter wants it: about 30 ms along t x t x (3 - 2 t), so that it neither starts nor
-/// ends with a jerk; straight within each grain. All is [RT].
+/// A value on its way to where a parameter wants it: in so many seconds along t x t x (3 - 2 t), so that it neither
+/// starts nor ends with a jerk; straight within each grain. All is [RT].
 class Glide {
 public:
-    explicit Glide(std::uint32_t rate)
-        : m_length(std::max<std::size_t>(1, (rate * 3 / 100 + GrainEffect::kGrain / 2) / GrainEffect::kGrain))
+    explicit Glide(std::uint32_t rate, double seconds = 0.03)
+        : m_length(static_cast<std::size_t>(std::ceil(seconds * rate / GrainEffect::kGrain)))
         , m_done(m_length)
     {
     }

@@ -1,4 +1,5 @@
 #include "soundlayer/internal/effects/Compressor.h"
+#include "soundlayer/internal/effects/Distortion.h"
 #include "soundlayer/internal/effects/Echo.h"
 #include "soundlayer/internal/effects/Effect.h"
 #include "soundlayer/internal/effects/ParametricEq.h"
@@ -11,10 +12,11 @@ std::unique_ptr<Effect> MakeEffect(std::uint32_t type, std::uint32_t rate)
     switch (type) {
     case BASS_FX_DX8_COMPRESSOR:
         return std::make_unique<Compressor>(rate);
+    case BASS_FX_DX8_DISTORTION:
+        return std::make_unique<Distortion>(rate);
     case BASS_FX_DX8_ECHO:
         return std::make_unique<Echo>(rate);
     case BASS_FX_DX8_CHORUS:
-    case BASS_FX_DX8_DISTORTION:
     case BASS_FX_DX8_FLANGER:
         return nullptr;
     case BASS_FX_DX8_PARAMEQ:
