@@ -38,7 +38,8 @@ void Combo::SetItems(const QStringList& items)
 void Combo::SetText(const QString& text)
 {
     m_text = text;
-    setCurrentIndex(findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive));
+    const int exact = findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive);
+    setCurrentIndex(exact >= 0 ? exact : findText(text, Qt::MatchFixedString));
     update();
 }
 

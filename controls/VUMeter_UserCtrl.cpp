@@ -55,7 +55,6 @@ void VUMeter_UserCtrl::SetLook(const Look& look)
 {
     m_look = look;
     m_look.BarWidth = std::max(look.BarWidth, 1);
-    MakeColours();
     update();
 }
 
@@ -69,21 +68,17 @@ QRect VUMeter_UserCtrl::BarRect(std::int32_t i) const
     return {i * m_look.BarWidth, kBarTop, m_look.BarShapeWidth, height() - 2 * kBarTop};
 }
 
-void VUMeter_UserCtrl::MakeColours()
+std::int32_t VUMeter_UserCtrl::BarCount() const
 {
-    const std::int32_t count = std::max(core::RoundToInt(static_cast<double>(width()) / m_look.BarWidth), 0);
-    m_colours.clear();
-    for (std::int32_t i = 1; i <= count; ++i) {
-        const QColor& a = m_look.Color1;
-        const QColor& b = m_look.Color2;
-        m_colours.emplace_back(Part(a.red(), b.red(), i, count), Part(a.green(), b.green(), i, count),
-                               Part(a.blue(), b.blue(), i, count));
-    }
+    return core::RoundToInt(static_cast<double>(width()) / m_look.BarWidth);
 }
 
-void VUMeter_UserCtrl::resizeEvent(QResizeEvent* /*event*/)
+QColor VUMeter_UserCtrl::BarColour(std::int32_t i) const
 {
-    MakeColours();
+    const QColor& a = m_look.Color1;
+    const QColor& b = m_look.Color2;
+    const std::int32_t count = std::max(BarCount(), 1);
+    return {Part(a.red(), b.red(), i, count), Part(a.green(), b.green(), i, count), Part(a.blue(), b.blue(), i, count)};
 }
 
 void VUMeter_UserCtrl::paintEvent(QPaintEvent* event)

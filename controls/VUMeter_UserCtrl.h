@@ -3,7 +3,6 @@
 #include <QColor>
 #include <QWidget>
 #include <cstdint>
-#include <vector>
 
 namespace velmora::controls {
 
@@ -36,27 +35,24 @@ public:
     const Look& GetLook() const { return m_look; }
     void SetLook(const Look& look);
 
-    std::int32_t BarCount() const { return static_cast<std::int32_t>(m_colours.size()); }
+    std::int32_t BarCount() const;
     /// 0 for none.
     std::int32_t LitBars() const { return LitBars(m_value); }
     /// Of bar `i`, from 1; a bar keeps its colour whatever the value.
-    QColor BarColour(std::int32_t i) const { return m_colours.at(static_cast<std::size_t>(i - 1)); }
+    QColor BarColour(std::int32_t i) const;
 
     QSize sizeHint() const override { return {220, 14}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
     std::int32_t LitBars(std::int32_t value) const;
     QRect BarRect(std::int32_t i) const;
-    void MakeColours();
 
     Look m_look;
     std::int32_t m_maxValue = 40;
     std::int32_t m_value = 0;
-    std::vector<QColor> m_colours;
 };
 
 } // namespace velmora::controls

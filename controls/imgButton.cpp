@@ -7,6 +7,7 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <cmath>
 
 namespace velmora::controls {
@@ -33,6 +34,18 @@ imgButton::imgButton(ButtonLook look, QWidget* parent)
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setCheckable(look == ButtonLook::Number);
+    // Assistive tools switch a button without a click.
+    connect(this, &QAbstractButton::toggled, this, [this](bool on) {
+        if (!m_changing) {
+            emit clicked(on);
+        }
+    });
+}
+
+void imgButton::SetValue(bool value)
+{
+    const QScopedValueRollback changing(m_changing, true);
+    setChecked(value);
 }
 
 void imgButton::SetMode(ButtonMode mode)
@@ -170,6 +183,7 @@ void imgButton::keyPressEvent(QKeyEvent* event)
 void imgButton::nextCheckState()
 {
     if (m_mode == ButtonMode_Switch) {
+        const QScopedValueRollback changing(m_changing, true);
         QPushButton::nextCheckState();
     }
 }

@@ -33,7 +33,7 @@ public:
     ButtonMode Mode() const { return m_mode; }
     void SetMode(ButtonMode mode);
     bool Value() const { return isChecked(); }
-    void SetValue(bool value) { setChecked(value); }
+    void SetValue(bool value);
     /// For a button that shows an on state without being a switch.
     void SetShowsValue() { setCheckable(true); }
 
@@ -65,6 +65,8 @@ private:
     ButtonMode m_mode = ButtonMode_Click;
     QString m_iconName;
     bool m_recordingDot = false;
+    /// The value changes by code or by a click, not by an assistive tool.
+    bool m_changing = false;
 };
 
 } // namespace velmora::controls
