@@ -113,21 +113,24 @@ void Compressor::Run(float* left, float* right, std::size_t frames, std::size_t 
 {
     Frames wanted;
     Measure(left, right, wanted, frames, at);
+    const Glide::Line threshold = m_threshold.Way();
+    const Glide::Line slope = m_slope.Way();
     for (std::size_t i = 0; i < frames; ++i) {
-        const float above = FastLog2(std::max(wanted[i], kQuietest)) - m_threshold.At(at + i);
-        wanted[i] = m_slope.At(at + i) * std::max(above, 0.0F);
+        const float above = FastLog2(std::max(wanted[i], kQuietest)) - threshold.At(at + i);
+        wanted[i] = slope.At(at + i) * std::max(above, 0.0F);
     }
     // Of the two ways to go, the faster one is the greater where more is wanted and the lesser where less is, so no
     // comparison with what is wanted is needed.
-    Frames gain;
+    Frames factor;
     const bool quickAttack = m_attack >= m_release;
     double reduction = m_reduction;
     const auto smooth = [&](auto pick) {
+        const double attack = m_attack;
+        const double release = m_release;
         for (std::size_t i = 0; i < frames; ++i) {
             const auto to = static_cast<double>(wanted[i]);
-            reduction =
-                pick(to * m_attack + reduction * (1.0 - m_attack), to * m_release + reduction * (1.0 - m_release));
-            gain[i] = static_cast<float>(reduction);
+            reduction = pick(to * attack + reduction * (1.0 - attack), to * release + reduction * (1.0 - release));
+            factor[i] = static_cast<float>(reduction);
         }
     };
     if (quickAttack) {
@@ -136,14 +139,15 @@ void Compressor::Run(float* left, float* right, std::size_t frames, std::size_t 
         smooth([](double a, double b) { return std::min(a, b); });
     }
     m_reduction = reduction;
+    const Glide::Line gain = m_gain.Way();
     for (std::size_t i = 0; i < frames; ++i) {
-        gain[i] = m_gain.At(at + i) * FastExp2(-gain[i]);
+        factor[i] = gain.At(at + i) * FastExp2(-factor[i]);
     }
     Delay(m_left, left, frames, at);
     Delay(m_right, right, frames, at);
     for (std::size_t i = 0; i < frames; ++i) {
-        left[i] *= gain[i];
-        right[i] *= gain[i];
+        left[i] *= factor[i];
+        right[i] *= factor[i];
     }
 }
 

@@ -79,8 +79,9 @@ void DelayTap::Read(const DelayLine& line, float* out, std::size_t frames, std::
     }
     std::array<float, GrainEffect::kGrain> before;
     line.Read(before.data(), m_from + written, frames);
+    const Glide::Line share = m_share.Way();
     for (std::size_t i = 0; i < frames; ++i) {
-        out[i] = before[i] + m_share.At(at + i) * (out[i] - before[i]);
+        out[i] = before[i] + share.At(at + i) * (out[i] - before[i]);
     }
 }
 

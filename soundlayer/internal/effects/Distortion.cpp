@@ -70,8 +70,9 @@ void Distortion::LowPass(float* left, float* right, std::size_t frames, std::siz
 {
     Frames g;
     Frames a;
+    const Glide::Line cutoff = m_cutoff.Way();
     for (std::size_t i = 0; i < frames; ++i) {
-        g[i] = m_cutoff.At(at + i);
+        g[i] = cutoff.At(at + i);
         a[i] = 1.0F / (1.0F + g[i] * (g[i] + std::numbers::sqrt2_v<float>));
     }
     const auto step = [](Side& side, float in, float gain, float scale) {
@@ -92,8 +93,9 @@ void Distortion::Bend(Side& side, float* samples, std::size_t frames, std::size_
     side.oversampler.Up(samples, frames);
     Frames drive;
     Frames scale;
+    const Glide::Line line = m_drive.Way();
     for (std::size_t i = 0; i < frames; ++i) {
-        drive[i] = m_drive.At(at + i);
+        drive[i] = line.At(at + i);
         scale[i] = 1.0F / Tanh(drive[i]);
     }
     for (std::size_t phase = 0; phase < Oversampler::kFactor; ++phase) {
@@ -109,10 +111,11 @@ void Distortion::Centre(Side& side, float* samples, std::size_t frames, std::siz
 {
     float lastIn = side.lastIn;
     float lastOut = side.lastOut;
+    const Glide::Line gain = m_gain.Way();
     for (std::size_t i = 0; i < frames; ++i) {
         lastOut = samples[i] - lastIn + m_hold * lastOut;
         lastIn = samples[i];
-        samples[i] = m_gain.At(at + i) * lastOut;
+        samples[i] = gain.At(at + i) * lastOut;
     }
     side.lastIn = lastIn;
     side.lastOut = lastOut;

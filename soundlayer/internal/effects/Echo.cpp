@@ -56,7 +56,7 @@ void Echo::Run(float* left, float* right, std::size_t frames, std::size_t at)
 }
 
 /// Frames of which none hears another one's repeat.
-void Echo::RunUnfed(float* left, float* right, std::size_t frames, std::size_t at)
+void Echo::RunUnfed(float* __restrict left, float* __restrict right, std::size_t frames, std::size_t at)
 {
     std::array<float, kGrain> leftRepeat;
     std::array<float, kGrain> rightRepeat;
@@ -64,16 +64,19 @@ void Echo::RunUnfed(float* left, float* right, std::size_t frames, std::size_t a
     std::array<float, kGrain> rightFed;
     m_leftTap.Read(m_left, leftRepeat.data(), frames, at);
     m_rightTap.Read(m_right, rightRepeat.data(), frames, at);
+    const Glide::Line feedback = m_feedback.Way();
+    const Glide::Line crossFeedback = m_crossFeedback.Way();
     for (std::size_t i = 0; i < frames; ++i) {
-        const float own = m_feedback.At(at + i);
-        const float other = m_crossFeedback.At(at + i);
+        const float own = feedback.At(at + i);
+        const float other = crossFeedback.At(at + i);
         leftFed[i] = left[i] + own * leftRepeat[i] + other * rightRepeat[i];
         rightFed[i] = right[i] + own * rightRepeat[i] + other * leftRepeat[i];
     }
+    const Glide::Line wet = m_wet.Way();
     for (std::size_t i = 0; i < frames; ++i) {
-        const float wet = m_wet.At(at + i);
-        left[i] += wet * (leftRepeat[i] - left[i]);
-        right[i] += wet * (rightRepeat[i] - right[i]);
+        const float share = wet.At(at + i);
+        left[i] += share * (leftRepeat[i] - left[i]);
+        right[i] += share * (rightRepeat[i] - right[i]);
     }
     m_left.Write(leftFed.data(), frames);
     m_right.Write(rightFed.data(), frames);

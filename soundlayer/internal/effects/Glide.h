@@ -12,6 +12,18 @@ namespace velmora::soundlayer {
 /// starts nor ends with a jerk; straight within each grain. All is [RT].
 class Glide {
 public:
+    /// The way through one grain, for loops that become vector code.
+    struct Line {
+        float start = 0.0F;
+        float step = 0.0F;
+
+        /// The value at a frame of the grain.
+        float At(std::size_t frame) const
+        {
+            return start + static_cast<float>(static_cast<std::int32_t>(frame + 1)) * step;
+        }
+    };
+
     explicit Glide(std::uint32_t rate, double seconds = 0.03)
         : m_length(static_cast<std::size_t>(std::ceil(seconds * rate / GrainEffect::kGrain)))
         , m_done(m_length)
@@ -49,8 +61,8 @@ public:
     bool Moving() const { return m_start != m_end; }
     /// The way from one frame to the next.
     float Step() const { return (m_end - m_start) / static_cast<float>(GrainEffect::kGrain); }
-    /// The value at a frame of the grain.
-    float At(std::size_t frame) const { return m_start + static_cast<float>(frame + 1) * Step(); }
+    Line Way() const { return {m_start, Step()}; }
+    float At(std::size_t frame) const { return Way().At(frame); }
 
 private:
     std::size_t m_length;

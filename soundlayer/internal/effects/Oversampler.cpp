@@ -1,5 +1,7 @@
 #include "soundlayer/internal/effects/Oversampler.h"
 
+#include "soundlayer/internal/effects/Wide.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -8,9 +10,6 @@
 namespace velmora::soundlayer {
 
 namespace {
-
-using Lanes = float __attribute__((vector_size(32)));
-constexpr std::size_t kLanes = 8;
 
 /// Taps for one phase of the input: out[i] += sum of taps[d] x in[i + first - d].
 struct PhaseFilter {
@@ -94,34 +93,41 @@ const Filters& AllFilters()
     return filters;
 }
 
-/// Sums over all taps of one phase for `Vectors` x 8 frames, or for one.
-template <std::size_t Vectors>
+/// Sums over all taps of one phase for `Vectors` x `Width` frames.
+template <unsigned Width, std::size_t Vectors>
 [[gnu::always_inline]] inline void AddTaps(float* out, const float* in, std::span<const float> taps)
 {
-    Lanes sum[Vectors];
-    std::memcpy(sum, out, sizeof sum);
+    using Vector = typename VectorOf<Width>::Floats;
+    Vector sum[Vectors];
+    for (std::size_t v = 0; v < Vectors; ++v) {
+        std::memcpy(&sum[v], out + v * Width, sizeof sum[v]);
+    }
     for (std::size_t d = 0; d < taps.size(); ++d) {
-        Lanes frames[Vectors];
-        std::memcpy(frames, in - d, sizeof frames);
         for (std::size_t v = 0; v < Vectors; ++v) {
-            sum[v] += taps[d] * frames[v];
+            Vector frames;
+            std::memcpy(&frames, in + v * Width - d, sizeof frames);
+            sum[v] += taps[d] * frames;
         }
     }
-    std::memcpy(out, sum, sizeof sum);
+    for (std::size_t v = 0; v < Vectors; ++v) {
+        std::memcpy(out + v * Width, &sum[v], sizeof sum[v]);
+    }
 }
 
+template <unsigned Width>
 [[gnu::always_inline]] inline void Convolve(float* out, const PhaseBuffer& in, const Filter& filter, std::size_t frames)
 {
+    constexpr std::size_t kAtOnce = 4;
     std::fill_n(out, frames, 0.0F);
     for (std::size_t phase = 0; phase < filter.size(); ++phase) {
         const float* from = in.Phase(phase) + filter[phase].first;
         const std::span<const float> taps = filter[phase].taps;
         std::size_t i = 0;
-        for (; i + 4 * kLanes <= frames; i += 4 * kLanes) {
-            AddTaps<4>(out + i, from + i, taps);
+        for (; i + kAtOnce * Width <= frames; i += kAtOnce * Width) {
+            AddTaps<Width, kAtOnce>(out + i, from + i, taps);
         }
-        for (; i + kLanes <= frames; i += kLanes) {
-            AddTaps<1>(out + i, from + i, taps);
+        for (; i + Width <= frames; i += Width) {
+            AddTaps<Width, 1>(out + i, from + i, taps);
         }
         for (; i < frames; ++i) {
             for (std::size_t d = 0; d < taps.size(); ++d) {
@@ -133,13 +139,12 @@ template <std::size_t Vectors>
 
 [[gnu::target("avx2")]] void ConvolveWide(float* out, const PhaseBuffer& in, const Filter& filter, std::size_t frames)
 {
-    Convolve(out, in, filter, frames);
+    Convolve<8>(out, in, filter, frames);
 }
 
 void Run(float* out, const PhaseBuffer& in, const Filter& filter, std::size_t frames)
 {
-    static const bool wide = __builtin_cpu_supports("avx2") != 0;
-    wide ? ConvolveWide(out, in, filter, frames) : Convolve(out, in, filter, frames);
+    (IsWide() ? ConvolveWide : Convolve<4>)(out, in, filter, frames);
 }
 
 } // namespace

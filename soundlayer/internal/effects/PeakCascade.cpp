@@ -1,6 +1,7 @@
 #include "soundlayer/internal/effects/PeakCascade.h"
 
 #include "soundlayer/internal/effects/GrainEffect.h"
+#include "soundlayer/internal/effects/Wide.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,14 +12,34 @@ namespace velmora::soundlayer {
 
 namespace {
 
-/// Four sections of both sides: section 0 left, right, section 1 left, right ...
-constexpr std::size_t kLanes = 8;
-constexpr std::size_t kSectionsPerVector = kLanes / 2;
-using Vector = float __attribute__((vector_size(kLanes * sizeof(float))));
-using Mask = std::int32_t __attribute__((vector_size(kLanes * sizeof(float))));
+/// How many frames a section is behind the one before it. At 1, what goes into a vector would have to wait for what has
+/// just come out of it; so the wait is spread over two steps.
+constexpr std::int32_t kLag = 2;
 
-/// The sections of one vector, lane by lane.
+/// How the states and u of a frame follow from those of the frame before, each by no more than three operations in a
+/// row: with v = in - s2, u = a s1 + b v, s1 <- (a - 1) s1 + b v, s2 <- s2 + ga s1 + gb v.
+template <typename Vector>
+struct Solution {
+    Vector a{};
+    Vector b{};
+    Vector ga{};
+    Vector gb{};
+};
+
+template <typename Vector>
+[[gnu::always_inline]] inline void Solve(const Vector& g, const Vector& k, Solution<Vector>& solved)
+{
+    solved.a = 2.0F / (1.0F + g * (g + k));
+    solved.b = solved.a * g;
+    solved.ga = g * solved.a;
+    solved.gb = g * solved.b;
+}
+
+/// Half as many sections as lanes: section 0 left, right, section 1 left, right ...
+template <unsigned Width>
 struct Lanes {
+    using Vector = typename VectorOf<Width>::Floats;
+
     Vector g{};
     Vector k{};
     Vector m{};
@@ -26,29 +47,24 @@ struct Lanes {
     Vector stepK{};
     Vector stepM{};
     /// What follows from g and k, where these rest.
-    Vector a{};
-    Vector b{};
+    Solution<Vector> solved;
     Vector s1{};
     Vector s2{};
-    Vector out{};
-    /// The section's number, and the grain's frame (from 1) that it works on in step 0.
-    Mask number{};
+    /// What came out in the last steps, the latest last.
+    Vector out[kLag] = {};
+    /// How many frames the section is behind, and the grain's frame (from 1) that it works on in step 0.
+    typename VectorOf<Width>::Integers behind{};
     Vector frame{};
 };
 
-[[gnu::always_inline]] inline void Solve(const Vector& g, const Vector& k, Vector& a, Vector& b)
-{
-    a = 2.0F / (1.0F + g * (g + k));
-    b = a * g;
-}
-
-[[gnu::always_inline]] inline void Load(Lanes& lanes, std::span<PeakSection* const> sections, std::size_t first,
+template <unsigned Width>
+[[gnu::always_inline]] inline void Load(Lanes<Width>& lanes, std::span<PeakSection* const> sections, std::size_t first,
                                         std::size_t at)
 {
-    for (std::size_t lane = 0; lane < kLanes; ++lane) {
+    for (std::size_t lane = 0; lane < Width; ++lane) {
         const std::size_t number = first + lane / 2;
-        lanes.number[lane] = static_cast<std::int32_t>(number);
-        lanes.frame[lane] = static_cast<float>(at + 1) - static_cast<float>(number);
+        lanes.behind[lane] = kLag * static_cast<std::int32_t>(number);
+        lanes.frame[lane] = static_cast<float>(at + 1) - static_cast<float>(lanes.behind[lane]);
         if (number < sections.size()) {
             const PeakSection& section = *sections[number];
             lanes.g[lane] = section.start.g;
@@ -61,41 +77,57 @@ struct Lanes {
             lanes.s2[lane] = section.s2[lane % 2];
         }
     }
-    Solve(lanes.g, lanes.k, lanes.a, lanes.b);
+    Solve(lanes.g, lanes.k, lanes.solved);
 }
 
-[[gnu::always_inline]] inline void Store(const Lanes& lanes, std::span<PeakSection* const> sections, std::size_t first)
+template <unsigned Width>
+[[gnu::always_inline]] inline void Store(const Lanes<Width>& lanes, std::span<PeakSection* const> sections,
+                                         std::size_t first)
 {
-    for (std::size_t lane = 0; lane < kLanes && first + lane / 2 < sections.size(); ++lane) {
+    for (std::size_t lane = 0; lane < Width && first + lane / 2 < sections.size(); ++lane) {
         PeakSection& section = *sections[first + lane / 2];
         section.s1[lane % 2] = lanes.s1[lane];
         section.s2[lane % 2] = lanes.s2[lane];
     }
 }
 
-/// One step of four sections: each on the frame after its last one. `partly`: only sections whose frame is one of
-/// `frames` change their state.
-template <bool Gliding>
-[[gnu::always_inline]] inline void Step(Lanes& lanes, const Vector& in, std::int32_t step, std::int32_t frames,
+/// The last section of `before`, then all but the last of `after`.
+[[gnu::always_inline]] inline void Shift(VectorOf<4>::Floats& to, const VectorOf<4>::Floats& before,
+                                         const VectorOf<4>::Floats& after)
+{
+    to = __builtin_shufflevector(before, after, 2, 3, 4, 5);
+}
+
+[[gnu::always_inline]] inline void Shift(VectorOf<8>::Floats& to, const VectorOf<8>::Floats& before,
+                                         const VectorOf<8>::Floats& after)
+{
+    to = __builtin_shufflevector(before, after, 6, 7, 8, 9, 10, 11, 12, 13);
+}
+
+/// One step: each section on the frame after its last one. `partly`: only sections whose frame is one of `frames`
+/// change their state.
+template <bool Gliding, unsigned Width, typename Vector>
+[[gnu::always_inline]] inline void Step(Lanes<Width>& lanes, const Vector& in, std::int32_t step, std::int32_t frames,
                                         bool partly)
 {
-    Vector a = lanes.a;
-    Vector b = lanes.b;
-    Vector g = lanes.g;
+    Solution<Vector> solved = lanes.solved;
     Vector m = lanes.m;
     if constexpr (Gliding) {
         const Vector frame = lanes.frame + static_cast<float>(step);
         const Vector k = lanes.k + frame * lanes.stepK;
-        g += frame * lanes.stepG;
+        const Vector g = lanes.g + frame * lanes.stepG;
         m += frame * lanes.stepM;
-        Solve(g, k, a, b);
+        Solve(g, k, solved);
     }
-    const Vector u = a * lanes.s1 + b * (in - lanes.s2);
-    const Vector s1 = u - lanes.s1;
-    const Vector s2 = lanes.s2 + g * u;
-    lanes.out = in + m * u;
+    const Vector v = in - lanes.s2;
+    const Vector bv = solved.b * v;
+    const Vector u = solved.a * lanes.s1 + bv;
+    const Vector s1 = (solved.a - 1.0F) * lanes.s1 + bv;
+    const Vector s2 = (lanes.s2 + solved.ga * lanes.s1) + solved.gb * v;
+    lanes.out[0] = lanes.out[1];
+    lanes.out[1] = in + m * u;
     if (partly) {
-        const Mask due = (lanes.number <= step) & (step - lanes.number < frames);
+        const auto due = (lanes.behind <= step) & (step - lanes.behind < frames);
         lanes.s1 = due ? s1 : lanes.s1;
         lanes.s2 = due ? s2 : lanes.s2;
     } else {
@@ -104,33 +136,35 @@ template <bool Gliding>
     }
 }
 
-template <std::size_t Vectors, bool Gliding>
+template <unsigned Width, std::size_t Vectors, bool Gliding>
 [[gnu::always_inline]] inline void Cascade(std::span<PeakSection* const> sections, float* left, float* right,
                                            std::size_t frames, std::size_t at)
 {
-    constexpr auto kBehind = static_cast<std::int32_t>(Vectors * kSectionsPerVector) - 1;
+    using Vector = typename VectorOf<Width>::Floats;
+    constexpr std::int32_t kBehind = kLag * (static_cast<std::int32_t>(Vectors * Width / 2) - 1);
     const auto count = static_cast<std::int32_t>(frames);
-    Lanes lanes[Vectors];
+    Lanes<Width> lanes[Vectors];
     for (std::size_t v = 0; v < Vectors; ++v) {
-        Load(lanes[v], sections, v * kSectionsPerVector, at);
+        Load(lanes[v], sections, v * Width / 2, at);
     }
     const auto step = [&](std::int32_t n, bool partly) __attribute__((always_inline))
     {
-        Vector in{};
-        if (n < count) {
-            in[0] = left[n];
-            in[1] = right[n];
-        }
-        // What a section gave in the last step goes into the one behind it.
+        // What a section gave kLag steps ago goes into the one behind it.
+        Vector in;
         for (std::size_t v = Vectors; v-- > 1;) {
-            const Vector from = __builtin_shufflevector(lanes[v - 1].out, lanes[v].out, 6, 7, 8, 9, 10, 11, 12, 13);
-            Step<Gliding>(lanes[v], from, n, count, partly);
+            Shift(in, lanes[v - 1].out[0], lanes[v].out[0]);
+            Step<Gliding>(lanes[v], in, n, count, partly);
         }
-        in = __builtin_shufflevector(in, lanes[0].out, 0, 1, 8, 9, 10, 11, 12, 13);
+        Vector sample{};
+        if (n < count) {
+            sample[Width - 2] = left[n];
+            sample[Width - 1] = right[n];
+        }
+        Shift(in, sample, lanes[0].out[0]);
         Step<Gliding>(lanes[0], in, n, count, partly);
         if (n >= kBehind) {
-            left[n - kBehind] = lanes[Vectors - 1].out[kLanes - 2];
-            right[n - kBehind] = lanes[Vectors - 1].out[kLanes - 1];
+            left[n - kBehind] = lanes[Vectors - 1].out[kLag - 1][Width - 2];
+            right[n - kBehind] = lanes[Vectors - 1].out[kLag - 1][Width - 1];
         }
     };
     std::int32_t n = 0;
@@ -144,27 +178,40 @@ template <std::size_t Vectors, bool Gliding>
         step(n, true);
     }
     for (std::size_t v = 0; v < Vectors; ++v) {
-        Store(lanes[v], sections, v * kSectionsPerVector);
+        Store(lanes[v], sections, v * Width / 2);
     }
 }
 
-[[gnu::always_inline]] inline void RunAny(std::span<PeakSection* const> sections, float* left, float* right,
-                                          std::size_t frames, std::size_t at)
+template <unsigned Width, std::size_t Vectors>
+[[gnu::always_inline]] inline void RunVectors(std::span<PeakSection* const> sections, float* left, float* right,
+                                              std::size_t frames, std::size_t at)
 {
-    const bool gliding = std::ranges::any_of(sections, &PeakSection::gliding);
-    if (sections.size() <= kSectionsPerVector) {
-        gliding ? Cascade<1, true>(sections, left, right, frames, at)
-                : Cascade<1, false>(sections, left, right, frames, at);
+    if (std::ranges::any_of(sections, &PeakSection::gliding)) {
+        Cascade<Width, Vectors, true>(sections, left, right, frames, at);
     } else {
-        gliding ? Cascade<2, true>(sections, left, right, frames, at)
-                : Cascade<2, false>(sections, left, right, frames, at);
+        Cascade<Width, Vectors, false>(sections, left, right, frames, at);
     }
 }
 
 [[gnu::target("avx2")]] void RunWide(std::span<PeakSection* const> sections, float* left, float* right,
                                      std::size_t frames, std::size_t at)
 {
-    RunAny(sections, left, right, frames, at);
+    if (sections.size() <= 4) {
+        RunVectors<8, 1>(sections, left, right, frames, at);
+    } else {
+        RunVectors<8, 2>(sections, left, right, frames, at);
+    }
+}
+
+void RunNarrow(std::span<PeakSection* const> sections, float* left, float* right, std::size_t frames, std::size_t at)
+{
+    if (sections.size() <= 2) {
+        RunVectors<4, 1>(sections, left, right, frames, at);
+    } else if (sections.size() <= 4) {
+        RunVectors<4, 2>(sections, left, right, frames, at);
+    } else {
+        RunVectors<4, 4>(sections, left, right, frames, at);
+    }
 }
 
 } // namespace
@@ -210,12 +257,7 @@ void PeakSection::Settle()
 
 void RunPeaks(std::span<PeakSection* const> sections, float* left, float* right, std::size_t frames, std::size_t at)
 {
-    static const bool wide = __builtin_cpu_supports("avx2") != 0;
-    if (wide) {
-        RunWide(sections, left, right, frames, at);
-    } else {
-        RunAny(sections, left, right, frames, at);
-    }
+    (IsWide() ? RunWide : RunNarrow)(sections, left, right, frames, at);
 }
 
 } // namespace velmora::soundlayer
