@@ -1,5 +1,6 @@
 #include "effects/FX_ChainContainer_Class.h"
 
+#include "effects/FX_Module.h"
 #include "effects/internal/AdoptedIds.h"
 #include "engine/audioplayer.h"
 #include "persistence/UTIL_XMLRead.h"
@@ -68,8 +69,26 @@ std::shared_ptr<FX_Chain_Class> FX_ChainContainer_Class::Get_FXChainObj_by_Index
 
 void FX_ChainContainer_Class::FX_Start()
 {
+    Restart([] {});
+}
+
+void FX_ChainContainer_Class::FX_Stop()
+{
     const GraphEdit edit;
-    FX_Stop();
+    Release(Halt());
+}
+
+void FX_ChainContainer_Class::Restart(const std::function<void()>& change)
+{
+    const GraphEdit edit;
+    Sounding sounding = Halt();
+    change();
+    Begin(sounding);
+    Release(sounding);
+}
+
+void FX_ChainContainer_Class::Begin(Sounding& sounding)
+{
     m_startedChannels = TotalChannels();
     if (m_startedChannels > 1) {
         StartCopies();
@@ -77,9 +96,34 @@ void FX_ChainContainer_Class::FX_Start()
         FX_Chain_Class& chain = *m_chains.front();
         chain.BassStream_Handle = BassInStream_Handle;
         BASS_Mixer_StreamAddChannel(BassOutStream_Handle, BassInStream_Handle, 0);
+        AttachEffects(chain, sounding);
         // The chain works on the channel's own stream, whose level and pan belong to the channel.
         chain.pan(0);
         chain.volume(100);
+    }
+}
+
+void FX_ChainContainer_Class::AttachEffects(FX_Chain_Class& chain, Sounding& sounding)
+{
+    for (FxItem& item : chain.m_items) {
+        if (!item.Enable) {
+            continue;
+        }
+        const auto before = sounding.items.find(item.FxID);
+        if (before != sounding.items.end() && sounding.stream == chain.BassStream_Handle &&
+            before->second.AttachedType == item.FxDataOBJ->FxType()) {
+            chain.TakeOver(item, before->second);
+            sounding.items.erase(before);
+        } else {
+            chain.Attach(item);
+        }
+    }
+}
+
+void FX_ChainContainer_Class::Release(const Sounding& sounding)
+{
+    for (const auto& [id, item] : sounding.items) {
+        FX_RemoveFromStream(sounding.stream, item.FxHandle, item.AttachedType);
     }
 }
 
@@ -101,20 +145,32 @@ void FX_ChainContainer_Class::StartCopies()
         if (BASS_Mixer_StreamAddChannel(BassOutStream_Handle, chain->BassStream_Handle, 0) == 0) {
             messages.Beep();
         }
+        Sounding none;
+        AttachEffects(*chain, none);
     }
 }
 
-void FX_ChainContainer_Class::FX_Stop()
+FX_ChainContainer_Class::Sounding FX_ChainContainer_Class::Halt()
 {
+    Sounding sounding;
     if (m_startedChannels == core::kUnset) {
-        return;
+        return sounding;
     }
-    const GraphEdit edit;
     const bool single = std::exchange(m_startedChannels, core::kUnset) == 1;
     core::MessageBoxes& messages = m_environment.ports.messages;
     for (const auto& chain : m_chains) {
+        for (FxItem& item : chain->m_items) {
+            if (single && item.FxHandle != 0) {
+                sounding.items[item.FxID] = item;
+                item.FxHandle = 0;
+            } else {
+                chain->Detach(item);
+            }
+        }
         const std::uint32_t stream = std::exchange(chain->BassStream_Handle, 0);
-        if (stream != 0 && !single) {
+        if (single) {
+            sounding.stream = stream;
+        } else if (stream != 0) {
             messages.Show("Invalid FX Chain args");
             StreamCopy_RemoveDestStream(stream);
         }
@@ -125,6 +181,7 @@ void FX_ChainContainer_Class::FX_Stop()
         messages.Show("Invalid FX Chain args");
         StreamCopy_RemoveSourceStream(BassInStream_Handle);
     }
+    return sounding;
 }
 
 persistence::SharedText FX_ChainContainer_Class::GetSharedXML() const
@@ -158,11 +215,10 @@ bool FX_ChainContainer_Class::LoadPack(std::string_view XMLData)
 
 void FX_ChainContainer_Class::TakeChains(Chains chains, core::ClassID id)
 {
-    const GraphEdit edit;
-    FX_Stop();
-    m_chains = std::move(chains);
-    m_classID = id;
-    FX_Start();
+    Restart([&] {
+        m_chains = std::move(chains);
+        m_classID = id;
+    });
 }
 
 std::optional<FX_ChainContainer_Class::ChainList> FX_ChainContainer_Class::ReadChains(std::string_view xml,

@@ -7,6 +7,8 @@
 #include "persistence/SharedText.h"
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,8 +21,7 @@ namespace velmora::effects {
 ///
 /// With one chain the input stream itself is a source of the output mixer. Several chains get copies of it; the
 /// interface cannot make more than one, and the texts shown on that road mark it. Without a chain nothing reaches the
-/// output. Interface thread only; whoever edits chains stops the container first and starts it afterwards, inside one
-/// edit of the sound layer, so that nothing else is heard of it.
+/// output. Interface thread only; membership, order and state of effects change inside `Restart`.
 class FX_ChainContainer_Class {
 public:
     explicit FX_ChainContainer_Class(core::Environment& environment);
@@ -44,9 +45,14 @@ public:
     /// `Index` from 1; null outside.
     std::shared_ptr<FX_Chain_Class> Get_FXChainObj_by_Index(std::int32_t Index) const;
 
-    /// Joins the streams as told above; a single chain becomes neutral in pan and volume.
+    /// Joins the streams as told above and puts the enabled effects on them; a single chain becomes neutral in pan and
+    /// volume.
     void FX_Start();
     void FX_Stop();
+    /// Stops, calls `change` and starts, in one edit of the sound: an effect that is there before and after, by its id
+    /// and kind, sounds on with its tail, and nobody else notices. Chains that work on copies of the input lose their
+    /// tails with the copies.
+    void Restart(const std::function<void()>& change);
 
     std::string GetXMLData() const { return GetSharedXML().Text(); }
     persistence::SharedText GetSharedXML() const;
@@ -66,7 +72,17 @@ private:
         bool whole = true;
     };
 
+    /// Effects that are still on the input stream while the container is stopped, by their id.
+    struct Sounding {
+        std::uint32_t stream = 0;
+        std::map<core::ClassID, FxItem> items;
+    };
+
+    Sounding Halt();
+    void Begin(Sounding& sounding);
+    static void Release(const Sounding& sounding);
     void StartCopies();
+    static void AttachEffects(FX_Chain_Class& chain, Sounding& sounding);
     std::optional<ChainList> ReadChains(std::string_view xml, bool assignNewIDs) const;
     void TakeChains(Chains chains, core::ClassID id);
 

@@ -2,6 +2,7 @@
 
 #include "core/Assert.h"
 #include "core/BassHelpers.h"
+#include "effects/FX_Module.h"
 #include "effects/internal/AdoptedIds.h"
 #include "persistence/UTIL_XMLRead.h"
 #include "persistence/UTIL_XMLWrite.h"
@@ -91,6 +92,66 @@ void FX_Chain_Class::volume(std::int32_t value)
     m_volume = value;
     if (BassStream_Handle != 0) {
         core::BassSetAttributes(BassStream_Handle, -1, value, -101);
+    }
+}
+
+void FX_Chain_Class::AddFxToStream(core::ClassID FxID)
+{
+    if (FxItem* item = Find(FxID)) {
+        Detach(*item);
+        Attach(*item);
+    }
+}
+
+void FX_Chain_Class::RemoveFxFromStream(core::ClassID FxID)
+{
+    if (FxItem* item = Find(FxID)) {
+        Detach(*item);
+    }
+}
+
+void FX_Chain_Class::UpdateFX_Pars_onStream(core::ClassID FxID)
+{
+    FxItem* item = Find(FxID);
+    if (!item || item->FxHandle == 0) {
+        return;
+    }
+    if (item->AttachedType != item->FxDataOBJ->FxType()) {
+        Detach(*item);
+        Attach(*item);
+    } else {
+        SendParameters(*item);
+    }
+}
+
+void FX_Chain_Class::Attach(FxItem& item) const
+{
+    item.AttachedType = item.FxDataOBJ->FxType();
+    item.FxHandle = FX_AddToStream(BassStream_Handle, item.AttachedType, item.Priority);
+    SendParameters(item);
+}
+
+void FX_Chain_Class::Detach(FxItem& item) const
+{
+    if (item.FxHandle != 0) {
+        FX_RemoveFromStream(BassStream_Handle, std::exchange(item.FxHandle, 0), item.AttachedType);
+    }
+}
+
+void FX_Chain_Class::TakeOver(FxItem& item, const FxItem& before)
+{
+    item.FxHandle = before.FxHandle;
+    item.AttachedType = before.AttachedType;
+    FX_SetPriority(item.FxHandle, item.AttachedType, item.Priority);
+    SendParameters(item);
+}
+
+void FX_Chain_Class::SendParameters(const FxItem& item)
+{
+    if (item.FxHandle != 0) {
+        FX_Block block{};
+        FX_GenerateStruct(block, item.AttachedType, item.FxDataOBJ->GetXMLData());
+        FX_SetParameters(item.FxHandle, item.AttachedType, block);
     }
 }
 

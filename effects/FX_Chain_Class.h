@@ -22,6 +22,9 @@ struct FxItem {
     std::shared_ptr<FX_Data_Class> FxDataOBJ;
     /// False keeps the effect without letting it act.
     bool Enable = false;
+    /// What `FX_AddToStream` gave while the effect is on the stream, else 0; and the effect that it stands for.
+    std::uint32_t FxHandle = 0;
+    std::int32_t AttachedType = -1;
 };
 
 /// The effects on one stream, with the stream's pan and volume.
@@ -59,10 +62,17 @@ public:
     std::int32_t volume() const { return m_volume; }
     void volume(std::int32_t value);
 
+    /// Puts an effect on the stream with its parameters, anew if it is there.
+    void AddFxToStream(core::ClassID FxID);
+    /// The stream must still be the one that the effect was put on.
+    void RemoveFxFromStream(core::ClassID FxID);
+    /// Brings a sounding effect to its present parameters.
+    void UpdateFX_Pars_onStream(core::ClassID FxID);
+
     std::string GetXMLData() const { return GetSharedXML().Text(); }
     persistence::SharedText GetSharedXML() const;
-    /// False leaves the chain as it was. An effect that has no id or whose text is of another kind is dropped; `whole`
-    /// tells whether all that the text announces was read.
+    /// For a chain that is stopped. False leaves it as it was. An effect that has no id or whose text is of another
+    /// kind is dropped; `whole` tells whether all that the text announces was read.
     bool LoadXMLData(std::string_view XMLData, bool AssignNewIDs, bool* whole = nullptr);
 
 private:
@@ -70,6 +80,11 @@ private:
     const FxItem* Find(core::ClassID FxID) const;
     FxItem* Find(core::ClassID FxID);
     static void RenumberPriorities(std::vector<FxItem>& items);
+    void Attach(FxItem& item) const;
+    void Detach(FxItem& item) const;
+    /// `item` goes on with what `before` has on the same stream.
+    static void TakeOver(FxItem& item, const FxItem& before);
+    static void SendParameters(const FxItem& item);
     /// Gives the chain and its effects the ids of their text, fresh ones where these cannot be used or stand twice.
     void AdoptIds(core::ClassID chainID, bool assignNewIDs);
 

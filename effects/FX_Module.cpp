@@ -1,9 +1,16 @@
 #include "effects/FX_Module.h"
 
 #include "core/TextUtilities.h"
+#include "effects/FXwrp_GraphicEQ_Class.h"
+#include "persistence/UTIL_XMLRead.h"
 #include "persistence/UTIL_XMLWrite.h"
+#include "soundlayer/soundlayer.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
+#include <map>
+#include <tuple>
 
 namespace velmora::effects {
 namespace {
@@ -83,25 +90,62 @@ constexpr std::array kReverb{
 };
 // clang-format on
 
+/// Stands in place of a type of the sound layer: an effect that is made of several.
+constexpr std::uint32_t kComposite = ~std::uint32_t{0};
+
 struct Effect {
     std::string_view name;
+    std::uint32_t bassType;
     std::span<const FX_Parameter> parameters;
 };
 
 constexpr std::array<Effect, kEffectCount> kEffects{{
-    {"Chorus", kChorus},
-    {"Compressor", kCompressor},
-    {"Distortion", kDistortion},
-    {"Echo", kEcho},
-    {"Flanger", kFlanger},
-    {"Graphic EQ", kGraphicEQ},
-    {"Parametric EQ", kParametricEQ},
-    {"Reverb", kReverb},
+    {"Chorus", BASS_FX_DX8_CHORUS, kChorus},
+    {"Compressor", BASS_FX_DX8_COMPRESSOR, kCompressor},
+    {"Distortion", BASS_FX_DX8_DISTORTION, kDistortion},
+    {"Echo", BASS_FX_DX8_ECHO, kEcho},
+    {"Flanger", BASS_FX_DX8_FLANGER, kFlanger},
+    {"Graphic EQ", kComposite, kGraphicEQ},
+    {"Parametric EQ", BASS_FX_DX8_PARAMEQ, kParametricEQ},
+    {"Reverb", BASS_FX_DX8_REVERB, kReverb},
 }};
+
+static_assert(std::ranges::all_of(kEffects, [](const Effect& effect) {
+    return effect.parameters.size() <= std::tuple_size_v<FX_Block>;
+}));
 
 const Effect* Find(std::int32_t index)
 {
     return index >= 0 && index < kEffectCount ? &kEffects[static_cast<std::size_t>(index)] : nullptr;
+}
+
+bool IsComposite(std::int32_t index)
+{
+    const Effect* effect = Find(index);
+    return effect && effect->bassType == kComposite;
+}
+
+/// The handle of the last Graphic EQ; it never goes back.
+std::uint32_t FX_GraphicEQ_Counter = 0;
+
+std::map<std::uint32_t, FXwrp_GraphicEQ_Class>& FX_GraphicEQ_Instances()
+{
+    static std::map<std::uint32_t, FXwrp_GraphicEQ_Class> instances;
+    return instances;
+}
+
+FXwrp_GraphicEQ_Class* FindGraphicEQ(std::uint32_t handle)
+{
+    const auto found = FX_GraphicEQ_Instances().find(handle);
+    return found == FX_GraphicEQ_Instances().end() ? nullptr : &found->second;
+}
+
+template <class Value>
+Value Read(persistence::UTIL_XMLRead& reader, std::string_view field, Value initial)
+{
+    Value value = initial;
+    reader.ReadElement(field, value, initial);
+    return value;
 }
 
 } // namespace
@@ -149,6 +193,64 @@ std::string FX_GetDefaultXML(std::int32_t index)
         }
     }
     return writer.GetXMLString();
+}
+
+void FX_GenerateStruct(FX_Block& block, std::int32_t index, std::string_view xml)
+{
+    auto reader = persistence::UTIL_XMLRead::WithMasterTag(xml);
+    std::size_t slot = 0;
+    for (const FX_Parameter& parameter : FX_ParameterDefinitions(index)) {
+        const float initial = parameter.defaultValue;
+        switch (parameter.stored) {
+        case FX_ValueType::Float:
+            block[slot++] = std::bit_cast<std::uint32_t>(Read(reader, parameter.field, initial));
+            break;
+        case FX_ValueType::Int:
+            block[slot++] =
+                static_cast<std::uint32_t>(Read(reader, parameter.field, static_cast<std::int32_t>(initial)));
+            break;
+        case FX_ValueType::Bool:
+            block[slot++] = Read(reader, parameter.field, initial != 0) ? ~std::uint32_t{0} : 0;
+            break;
+        }
+    }
+}
+
+std::uint32_t FX_AddToStream(std::uint32_t stream, std::int32_t index, std::int32_t priority)
+{
+    if (IsComposite(index)) {
+        FX_GraphicEQ_Instances()[++FX_GraphicEQ_Counter].StartFX(stream, priority);
+        return FX_GraphicEQ_Counter;
+    }
+    const Effect* effect = Find(index);
+    return effect ? BASS_ChannelSetFX(stream, effect->bassType, priority) : 0;
+}
+
+void FX_RemoveFromStream(std::uint32_t stream, std::uint32_t fxHandle, std::int32_t index)
+{
+    if (IsComposite(index)) {
+        FX_GraphicEQ_Instances().erase(fxHandle);
+    } else if (Find(index)) {
+        BASS_ChannelRemoveFX(stream, fxHandle);
+    }
+}
+
+void FX_SetPriority(std::uint32_t fxHandle, std::int32_t index, std::int32_t priority)
+{
+    if (!IsComposite(index)) {
+        Sound_FXSetPriority(fxHandle, priority);
+    } else if (FXwrp_GraphicEQ_Class* equalizer = FindGraphicEQ(fxHandle)) {
+        equalizer->SetPriority(priority);
+    }
+}
+
+void FX_SetParameters(std::uint32_t fxHandle, std::int32_t index, const FX_Block& block)
+{
+    if (!IsComposite(index)) {
+        BASS_FXSetParameters(fxHandle, block.data());
+    } else if (FXwrp_GraphicEQ_Class* equalizer = FindGraphicEQ(fxHandle)) {
+        equalizer->SetFX_Parameters(block);
+    }
 }
 
 } // namespace velmora::effects

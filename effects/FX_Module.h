@@ -1,12 +1,13 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 
-/// The one description of the eight effects: their names and parameters. An effect is known by its index everywhere and
-/// by its name in saved texts.
+/// The one description of the eight effects: their names, parameters, and their way onto a stream. An effect is known
+/// by its index everywhere and by its name in saved texts. Interface thread only.
 namespace velmora::effects {
 
 inline constexpr std::int32_t kEffectCount = 8;
@@ -44,5 +45,22 @@ std::int32_t FX_GetIndexByName(std::string_view name);
 
 /// The parameter text of a newly added effect.
 std::string FX_GetDefaultXML(std::int32_t index);
+
+/// The values of an effect's parameters as the sound layer takes them: one slot each, in the order of the parameters. A
+/// slot holds the bits of a float or of a whole number; a boolean is 0 or -1. The longest effect has as many as there
+/// are slots.
+using FX_Block = std::array<std::uint32_t, 8>;
+
+/// Fills the slots of the effect from its parameter text. What the text lacks, or what does not fit, has its default;
+/// limits are the sound layer's.
+void FX_GenerateStruct(FX_Block& block, std::int32_t index, std::string_view xml);
+
+/// Puts an effect on a stream and returns a handle that only the operations below can read, with the same index; 0 if
+/// there is no such stream or effect. The lower priority runs first.
+std::uint32_t FX_AddToStream(std::uint32_t stream, std::int32_t index, std::int32_t priority);
+void FX_RemoveFromStream(std::uint32_t stream, std::uint32_t fxHandle, std::int32_t index);
+/// Moves it in the order of its stream's effects; it goes on sounding.
+void FX_SetPriority(std::uint32_t fxHandle, std::int32_t index, std::int32_t priority);
+void FX_SetParameters(std::uint32_t fxHandle, std::int32_t index, const FX_Block& block);
 
 } // namespace velmora::effects

@@ -4,7 +4,6 @@
 #include "core/TextUtilities.h"
 #include "effects/FX_ChainContainer_Class.h"
 #include "project/Channel_Class.h"
-#include "project/internal/SoundEdit.h"
 
 namespace velmora::project {
 namespace {
@@ -31,18 +30,16 @@ bool ChannelEffects::Handle(std::int32_t msgID, core::MsgParametersClass& params
         SavePack(params);
         return true;
     case core::Msg_FX_AddChannel:
-    case core::Msg_FX_RemoveChannel: {
-        const SoundEdit edit;
-        m_channel.FX->FX_Stop();
-        if (msgID == core::Msg_FX_AddChannel) {
-            m_channel.FX->AddChannel();
-        } else {
-            m_channel.FX->RemoveChannel(params.FXChannelID);
-        }
-        m_channel.FX->FX_Start();
+    case core::Msg_FX_RemoveChannel:
+        m_channel.FX->Restart([&] {
+            if (msgID == core::Msg_FX_AddChannel) {
+                m_channel.FX->AddChannel();
+            } else {
+                m_channel.FX->RemoveChannel(params.FXChannelID);
+            }
+        });
         m_channel.FXPack_Name = kCustom;
         return true;
-    }
     default:
         return EditChain(msgID, params);
     }
@@ -57,28 +54,23 @@ bool ChannelEffects::EditChain(std::int32_t msgID, const core::MsgParametersClas
     if (!chain) {
         return true;
     }
-    const SoundEdit edit;
-    const bool restarts = msgID == core::Msg_FX_Add || msgID == core::Msg_FX_Delete ||
-                          msgID == core::Msg_FX_SetEnabled || msgID == core::Msg_FX_ChangePriority;
-    if (restarts) {
-        m_channel.FX->FX_Stop();
-    }
     switch (msgID) {
     case core::Msg_FX_Add:
-        chain->AddFX(params.FXPriority, params.FXEnabled, params.FXDataOBJ);
+        m_channel.FX->Restart([&] { chain->AddFX(params.FXPriority, params.FXEnabled, params.FXDataOBJ); });
         break;
     case core::Msg_FX_Delete:
-        chain->RemoveFX(params.FXID);
+        m_channel.FX->Restart([&] { chain->RemoveFX(params.FXID); });
         break;
     case core::Msg_FX_SetEnabled:
-        chain->SetFX_Status(params.FXID, params.FXEnabled);
+        m_channel.FX->Restart([&] { chain->SetFX_Status(params.FXID, params.FXEnabled); });
         break;
     case core::Msg_FX_ChangePriority:
-        chain->ChangeFX_Priority(params.FXID, params.FXPriority);
+        m_channel.FX->Restart([&] { chain->ChangeFX_Priority(params.FXID, params.FXPriority); });
         break;
     case core::Msg_FX_SetParams:
         if (const auto* item = chain->GetFxClass_by_ID(params.FXID)) {
             item->FxDataOBJ->LoadXMLData(params.FXParamsXML);
+            chain->UpdateFX_Pars_onStream(params.FXID);
         }
         break;
     case core::Msg_FX_SetChannelPan:
@@ -89,9 +81,6 @@ bool ChannelEffects::EditChain(std::int32_t msgID, const core::MsgParametersClas
         break;
     default:
         break;
-    }
-    if (restarts) {
-        m_channel.FX->FX_Start();
     }
     if (msgID != core::Msg_FX_SetEnabled) {
         m_channel.FXPack_Name = kCustom;
@@ -107,7 +96,6 @@ void ChannelEffects::LoadPack(core::MsgParametersClass& params)
         params.CancelDelivery = true;
         return;
     }
-    const SoundEdit edit;
     if (!m_channel.FX->LoadPack(text)) {
         m_environment.ports.messages.Show("FXPack: Error loading XML data", core::Icon::Exclamation);
         return;

@@ -9,8 +9,8 @@ namespace velmora::project {
 
 class Channel_Class;
 
-/// Applies the messages that change a channel's effects. Chains are edited while they are stopped, in one edit of the
-/// sound. A message for an unknown chain or effect does nothing.
+/// Applies the messages that change a channel's effects, each in one edit of the sound. A message for an unknown
+/// chain or effect does nothing.
 class ChannelEffects {
 public:
     ChannelEffects(core::Environment& environment, Channel_Class& channel);

@@ -4,6 +4,8 @@
 #include "persistence/UTIL_XMLRead.h"
 #include "tests/support/ScriptedPorts.h"
 
+#include <bit>
+
 #include <gtest/gtest.h>
 
 namespace velmora::effects {
@@ -48,6 +50,37 @@ TEST(FX_Module, ParametersStandInTheOrderOfTheirBlocks)
     EXPECT_EQ(fields(5), "freq1 freq2 freq3 freq4 freq5 freq6 freq7 freq8(hidden) ");
     EXPECT_EQ(fields(6), "fCenter fBandwidth fGain ");
     EXPECT_EQ(fields(7), "finGain fReverbMix fReverbTime fHighFreqRTRatio ");
+}
+
+TEST(FX_Module, BlockTakesWhatTheTextHasAndDefaultsForTheRest)
+{
+    const auto block = [](std::int32_t index, const std::string& inside) {
+        FX_Block slots{};
+        slots.fill(0xAAAAAAAA);
+        FX_GenerateStruct(slots, index, "<Fx_Data_Class>" + inside + "</Fx_Data_Class>");
+        return slots;
+    };
+    const auto real = [](std::uint32_t slot) { return std::bit_cast<float>(slot); };
+
+    const FX_Block echo = block(3, "<lPanDelay>bool: True</lPanDelay><Other>float: 7</Other>"
+                                   "<fFeedback>float: nan</fFeedback><fRightDelay>float: 1e30</fRightDelay>");
+    EXPECT_EQ(real(echo[0]), 50);
+    EXPECT_FALSE(real(echo[1]) > 0) << "no number, or the default";
+    EXPECT_EQ(real(echo[2]), 350);
+    EXPECT_EQ(real(echo[3]), 1e30F) << "limits are the sound layer's";
+    EXPECT_NE(echo[4], 0u);
+    EXPECT_EQ(echo[5], 0xAAAAAAAA);
+    EXPECT_EQ(block(3, "<lPanDelay>bool: False</lPanDelay>")[4], 0u);
+
+    const FX_Block chorus = block(0, "<fWaveform>int: 1</fWaveform><fPhase>str: many</fPhase>");
+    EXPECT_EQ(chorus[4], 1u);
+    EXPECT_EQ(chorus[6], 3u);
+
+    FX_Block untouched{};
+    FX_GenerateStruct(untouched, 8, "<Fx_Data_Class></Fx_Data_Class>");
+    FX_GenerateStruct(untouched, -1, "");
+    EXPECT_EQ(untouched, FX_Block{});
+    EXPECT_EQ(real(block(7, "")[3]), 0.001F);
 }
 
 class FX_Data : public ::testing::Test {

@@ -119,6 +119,13 @@ class Clip:
 
 
 @dataclasses.dataclass
+class Effect:
+    kind: str  # as in files, "Graphic EQ"
+    values: dict = dataclasses.field(default_factory=dict)  # by element name; what is left out has its default
+    enabled: bool = True
+
+
+@dataclasses.dataclass
 class Channel:
     clips: list
     music: bool = True
@@ -129,6 +136,8 @@ class Channel:
     solo: bool = False
     gain: float = 0.0  # dB, 6 dB a factor of 2
     voice_removal: int = 0
+    effects: list = dataclasses.field(default_factory=list)  # the first acts first
+    pack: str = ""  # the text of a pack, in place of effects
 
 
 @dataclasses.dataclass
@@ -184,9 +193,29 @@ def _channel_element(channel, ids):
     element.add("FXPack_Name", "").add("Volume", channel.volume).add("Pan", channel.pan).add("Mute", channel.mute)
     element.add("Solo", channel.solo).add("Gain", float(channel.gain)).add("Voice_Removal", channel.voice_removal)
     element.add("Pitch", 0).add("LiveStatus", False).add("ChannelMode", 0 if channel.music else 1)
-    chain = Element("FX_Chain_Class").add("ID", float(next(ids))).add("Pan", 0).add("Volume", 100).add("TotalFx", 0)
-    chains = Element("FX_ChainList").add("TotalN", 1).add("ID", float(next(ids))).nest('FxChain item="1"', chain)
-    return element.nest("FX", chains).nest("Events", _events_element(channel.clips, float(next(ids))))
+    if channel.pack:
+        element.put("FX", channel.pack)
+    else:
+        element.nest("FX", chain_list(channel.effects, ids))
+    return element.nest("Events", _events_element(channel.clips, float(next(ids))))
+
+
+def chain_list(effects, ids):
+    """One chain of effects, as channels and packs hold it."""
+    chain = Element("FX_Chain_Class").add("ID", float(next(ids))).add("Pan", 0).add("Volume", 100)
+    chain.add("TotalFx", len(effects))
+    for index, effect in enumerate(effects):
+        item = Element().add("Enabled", effect.enabled).add("ID", float(next(ids))).add("Priority", 10 * (index + 1))
+        chain.nest(f'Fx item="{index}"', item.put("Data", effect_text(effect)))
+    return Element("FX_ChainList").add("TotalN", 1).add("ID", float(next(ids))).nest('FxChain item="1"', chain)
+
+
+def effect_text(effect):
+    element = Element("Fx_Data_Class").add("FxType", effect.kind)
+    for name, value in effect.values.items():
+        whole = name in ("fWaveform", "fPhase") or isinstance(value, bool)
+        element.add(name, value if whole else float(value))
+    return element.text().replace("\r\n", "")
 
 
 def _events_element(clips, class_id):
@@ -227,7 +256,10 @@ class Element:
         return self._line(name, text)
 
     def nest(self, name, element):
-        return self._line(name, element.text() + "\r\n")
+        return self.put(name, element.text() + "\r\n")
+
+    def put(self, name, text):
+        return self._line(name, text)
 
     def text(self):
         body = "".join(line + "\r\n" for line in self.lines)
