@@ -105,18 +105,28 @@ void FX_ChainContainer_Class::Begin(Sounding& sounding)
 
 void FX_ChainContainer_Class::AttachEffects(FX_Chain_Class& chain, Sounding& sounding)
 {
+    std::vector<FxItem*> fresh;
+    std::vector<FX_Place> kept;
     for (FxItem& item : chain.m_items) {
+        const auto before = sounding.items.find(item.FxID);
         if (!item.Enable) {
             continue;
         }
-        const auto before = sounding.items.find(item.FxID);
-        if (before != sounding.items.end() && sounding.stream == chain.BassStream_Handle &&
-            before->second.AttachedType == item.FxDataOBJ->FxType()) {
-            chain.TakeOver(item, before->second);
-            sounding.items.erase(before);
-        } else {
-            chain.Attach(item);
+        if (before == sounding.items.end() || before->second.AttachedType != item.FxDataOBJ->FxType()) {
+            fresh.push_back(&item);
+            continue;
         }
+        item.FxHandle = before->second.FxHandle;
+        item.AttachedType = before->second.AttachedType;
+        kept.push_back({item.FxHandle, item.AttachedType, item.Priority});
+        sounding.items.erase(before);
+    }
+    FX_SetPriorities(chain.BassStream_Handle, kept);
+    for (const FxItem& item : chain.m_items) {
+        FX_Chain_Class::SendParameters(item);
+    }
+    for (FxItem* item : fresh) {
+        chain.Attach(*item);
     }
 }
 

@@ -138,14 +138,6 @@ void FX_Chain_Class::Detach(FxItem& item) const
     }
 }
 
-void FX_Chain_Class::TakeOver(FxItem& item, const FxItem& before)
-{
-    item.FxHandle = before.FxHandle;
-    item.AttachedType = before.AttachedType;
-    FX_SetPriority(item.FxHandle, item.AttachedType, item.Priority);
-    SendParameters(item);
-}
-
 void FX_Chain_Class::SendParameters(const FxItem& item)
 {
     if (item.FxHandle != 0) {

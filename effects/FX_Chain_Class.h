@@ -82,8 +82,6 @@ private:
     static void RenumberPriorities(std::vector<FxItem>& items);
     void Attach(FxItem& item) const;
     void Detach(FxItem& item) const;
-    /// `item` goes on with what `before` has on the same stream.
-    static void TakeOver(FxItem& item, const FxItem& before);
     static void SendParameters(const FxItem& item);
     /// Gives the chain and its effects the ids of their text, fresh ones where these cannot be used or stand twice.
     void AdoptIds(core::ClassID chainID, bool assignNewIDs);

@@ -11,6 +11,7 @@
 #include <bit>
 #include <map>
 #include <tuple>
+#include <vector>
 
 namespace velmora::effects {
 namespace {
@@ -235,13 +236,19 @@ void FX_RemoveFromStream(std::uint32_t stream, std::uint32_t fxHandle, std::int3
     }
 }
 
-void FX_SetPriority(std::uint32_t fxHandle, std::int32_t index, std::int32_t priority)
+void FX_SetPriorities(std::uint32_t stream, std::span<const FX_Place> places)
 {
-    if (!IsComposite(index)) {
-        Sound_FXSetPriority(fxHandle, priority);
-    } else if (FXwrp_GraphicEQ_Class* equalizer = FindGraphicEQ(fxHandle)) {
-        equalizer->SetPriority(priority);
+    std::vector<HFX> handles;
+    std::vector<std::int32_t> priorities;
+    for (const FX_Place& place : places) {
+        if (!IsComposite(place.index)) {
+            handles.push_back(place.fxHandle);
+        } else if (FXwrp_GraphicEQ_Class* equalizer = FindGraphicEQ(place.fxHandle)) {
+            equalizer->SetPriority(place.priority, handles);
+        }
+        priorities.resize(handles.size(), place.priority);
     }
+    Sound_FXSetPriorities(stream, handles.data(), priorities.data(), static_cast<std::uint32_t>(handles.size()));
 }
 
 void FX_SetParameters(std::uint32_t fxHandle, std::int32_t index, const FX_Block& block)

@@ -59,8 +59,14 @@ void FX_GenerateStruct(FX_Block& block, std::int32_t index, std::string_view xml
 /// there is no such stream or effect. The lower priority runs first.
 std::uint32_t FX_AddToStream(std::uint32_t stream, std::int32_t index, std::int32_t priority);
 void FX_RemoveFromStream(std::uint32_t stream, std::uint32_t fxHandle, std::int32_t index);
-/// Moves it in the order of its stream's effects; it goes on sounding.
-void FX_SetPriority(std::uint32_t fxHandle, std::int32_t index, std::int32_t priority);
+/// An effect on a stream and its priority there.
+struct FX_Place {
+    std::uint32_t fxHandle = 0;
+    std::int32_t index = -1;
+    std::int32_t priority = 0;
+};
+/// Gives effects that sound on a stream other priorities, all at once; they keep their tails.
+void FX_SetPriorities(std::uint32_t stream, std::span<const FX_Place> places);
 void FX_SetParameters(std::uint32_t fxHandle, std::int32_t index, const FX_Block& block);
 
 } // namespace velmora::effects

@@ -1,7 +1,9 @@
 #include "effects/FXwrp_GraphicEQ_Class.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace velmora::effects {
@@ -34,14 +36,10 @@ void FXwrp_GraphicEQ_Class::StartFX(std::uint32_t StreamHandle, std::int32_t Pri
     m_priority = Priority;
 }
 
-void FXwrp_GraphicEQ_Class::SetPriority(std::int32_t Priority)
+void FXwrp_GraphicEQ_Class::SetPriority(std::int32_t Priority, std::vector<HFX>& bands)
 {
     m_priority = Priority;
-    for (const HFX handle : m_bandHandles) {
-        if (handle != 0) {
-            Sound_FXSetPriority(handle, Priority);
-        }
-    }
+    std::ranges::copy_if(m_bandHandles, std::back_inserter(bands), [](HFX handle) { return handle != 0; });
 }
 
 void FXwrp_GraphicEQ_Class::SetFX_Parameters(const FX_Block& block)

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 namespace velmora::effects {
 
@@ -22,8 +23,8 @@ public:
 
     /// Leaves the stream that it was on for this one. Nothing is attached until gains come.
     void StartFX(std::uint32_t StreamHandle, std::int32_t Priority);
-    /// Moves all bands in the order of the stream's effects.
-    void SetPriority(std::int32_t Priority);
+    /// The priority of bands to come. Those that are there are added to `bands`, to be given it with others.
+    void SetPriority(std::int32_t Priority, std::vector<HFX>& bands);
     /// Gains in dB, of which the eighth acts on nothing; ignored while there is no stream.
     void SetFX_Parameters(const FX_Block& block);
     void RemoveFX();

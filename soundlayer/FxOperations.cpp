@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <utility>
+#include <vector>
 
 using namespace velmora::soundlayer;
 
@@ -69,5 +70,26 @@ int Sound_FXSetPriority(HFX fx, int32_t priority)
         const EffectSlot* slot = library.FindEffect(fx);
         Stream* stream = slot ? library.FindStream(slot->stream) : nullptr;
         return stream && stream->MoveEffect(library.edits, *slot, priority) ? 1 : 0;
+    });
+}
+
+int Sound_FXSetPriorities(uint32_t handle, const HFX* fx, const int32_t* priorities, uint32_t count)
+{
+    return Operation(0, [&] {
+        Library& library = Library::Get();
+        Stream* stream = library.FindStream(handle);
+        if (!stream) {
+            return 0;
+        }
+        std::vector<std::pair<const EffectSlot*, std::int32_t>> given;
+        for (uint32_t i = 0; i < count; ++i) {
+            const EffectSlot* slot = library.FindEffect(fx[i]);
+            if (!slot) {
+                return 0;
+            }
+            given.emplace_back(slot, priorities[i]);
+        }
+        stream->ReorderEffects(library.edits, given);
+        return 1;
     });
 }

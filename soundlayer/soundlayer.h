@@ -263,6 +263,9 @@ SOUND_API int Sound_ClipPrepare(HSTREAM clip, uint32_t frames);
 SOUND_API int Sound_SetRunning(HSTREAM source, int running);
 /// Moves an effect within its stream, as if it were set now with `priority`; its tail goes on.
 SOUND_API int Sound_FXSetPriority(HFX fx, int32_t priority);
+/// Gives `count` effects of a stream new priorities, all at once. Equal ones stay in their order. An effect that
+/// changes its place keeps its tail; the others go on untouched.
+SOUND_API int Sound_FXSetPriorities(uint32_t handle, const HFX* fx, const int32_t* priorities, uint32_t count);
 /// The format of what `BASS_WMA_EncodeWrite` is given; until this is called, the file's own. Before the first write.
 SOUND_API int Sound_WMA_EncodeSetInput(HWMENCODE encoder, uint32_t freq, uint32_t chans);
 /// 1 once the encoder's file no longer holds all it was given; what comes after is dropped.

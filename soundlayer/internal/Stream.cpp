@@ -93,6 +93,12 @@ bool Stream::MoveEffect(GraphEdits& edits, const EffectSlot& slot, std::int32_t 
     return true;
 }
 
+void Stream::ReorderEffects(GraphEdits& edits, std::span<const std::pair<const EffectSlot*, std::int32_t>> priorities)
+{
+    m_edited.effects.Reorder(priorities);
+    Publish(edits);
+}
+
 void Stream::AddTap(GraphEdits& edits, std::shared_ptr<BlockTap> tap)
 {
     m_edited.taps.push_back(std::move(tap));

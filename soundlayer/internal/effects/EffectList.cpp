@@ -15,6 +15,26 @@ constexpr std::size_t kGrain = GrainEffect::kGrain;
 /// 120 dB above full scale: effects in a row never leave the range of their numbers.
 constexpr float kLimit = 0x1p20F;
 
+/// Elements of `numbers` that rise from each to the next, as many as there can be.
+std::vector<std::size_t> LongestRisingPart(const std::vector<std::size_t>& numbers)
+{
+    std::vector<std::size_t> length(numbers.size(), 1);
+    for (std::size_t i = numbers.size(); i-- > 0;) {
+        for (std::size_t j = i + 1; j < numbers.size(); ++j) {
+            length[i] = numbers[j] > numbers[i] ? std::max(length[i], length[j] + 1) : length[i];
+        }
+    }
+    std::vector<std::size_t> rising;
+    std::size_t wanted = length.empty() ? 0 : std::ranges::max(length);
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        if (length[i] == wanted && (rising.empty() || numbers[i] > rising.back())) {
+            rising.push_back(numbers[i]);
+            --wanted;
+        }
+    }
+    return rising;
+}
+
 } // namespace
 
 std::vector<std::uint32_t> EffectList::Handles() const
@@ -30,9 +50,13 @@ std::vector<std::uint32_t> EffectList::Handles() const
 
 void EffectList::Add(std::shared_ptr<EffectSlot> slot, std::int32_t priority)
 {
-    const auto place =
-        std::ranges::find_if(m_entries, [priority](const Entry& other) { return other.priority > priority; });
-    m_entries.insert(place, {std::move(slot), priority, ++m_lastId, false});
+    m_entries.insert(PlaceFor(priority), {std::move(slot), priority, ++m_lastId, false});
+}
+
+std::vector<EffectList::Entry>::iterator EffectList::PlaceFor(std::int32_t priority)
+{
+    return std::ranges::find_if(m_entries,
+                                [priority](const Entry& other) { return !other.leaving && other.priority > priority; });
 }
 
 std::vector<EffectList::Entry>::iterator EffectList::Find(const EffectSlot& slot)
@@ -57,15 +81,45 @@ bool EffectList::Move(const EffectSlot& slot, std::int32_t priority)
     if (from == m_entries.end()) {
         return false;
     }
-    const auto to =
-        std::ranges::find_if(m_entries, [priority](const Entry& other) { return other.priority > priority; });
-    if (to == from || to == from + 1) {
+    const auto to = PlaceFor(priority);
+    if (to == from || (to > from && std::all_of(from + 1, to, [](const Entry& other) { return other.leaving; }))) {
         from->priority = priority;
         return true;
     }
     from->leaving = true;
     Add(from->slot, priority);
     return true;
+}
+
+void EffectList::Reorder(std::span<const std::pair<const EffectSlot*, std::int32_t>> priorities)
+{
+    for (const auto& [slot, priority] : priorities) {
+        if (const auto entry = Find(*slot); entry != m_entries.end()) {
+            entry->priority = priority;
+        }
+    }
+    std::vector<std::size_t> order;
+    for (std::size_t i = 0; i < m_entries.size(); ++i) {
+        if (!m_entries[i].leaving) {
+            order.push_back(i);
+        }
+    }
+    std::ranges::stable_sort(order, {}, [this](std::size_t i) { return m_entries[i].priority; });
+    const std::vector<std::size_t> staying = LongestRisingPart(order);
+    std::vector<std::pair<std::shared_ptr<EffectSlot>, bool>> ordered;
+    for (const std::size_t i : order) {
+        ordered.emplace_back(m_entries[i].slot, std::ranges::binary_search(staying, i));
+    }
+    auto place = m_entries.begin();
+    for (auto& [slot, stays] : ordered) {
+        auto entry = Find(*slot);
+        if (!stays) {
+            entry->leaving = true;
+            const std::int32_t priority = entry->priority;
+            entry = m_entries.insert(place, {std::move(slot), priority, ++m_lastId, false});
+        }
+        place = entry + 1;
+    }
 }
 
 void EffectList::Prune()

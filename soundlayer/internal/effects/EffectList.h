@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -59,6 +60,9 @@ public:
     /// False when it is not in the list.
     bool Remove(const EffectSlot& slot);
     bool Move(const EffectSlot& slot, std::int32_t priority);
+    /// Gives effects new priorities, all at once; one that is not in the list is passed over. Equal ones stay in their
+    /// order. As few as can be change their place.
+    void Reorder(std::span<const std::pair<const EffectSlot*, std::int32_t>> priorities);
     /// Drops what has left.
     void Prune();
 
@@ -86,6 +90,8 @@ private:
     void Run(float* left, float* right, std::size_t frames) const;
     static void RunFading(const Entry& entry, float* left, float* right, std::size_t frames);
     std::vector<Entry>::iterator Find(const EffectSlot& slot);
+    /// Behind all that are not leaving and have this priority or a lower one.
+    std::vector<Entry>::iterator PlaceFor(std::int32_t priority);
 
     std::vector<Entry> m_entries;
     std::uint32_t m_lastId = 0;
