@@ -158,7 +158,12 @@ void FocusRing::Show(QWidget* target)
 
 void FocusRing::Hide()
 {
-    delete m_frame;
+    if (m_frame) {
+        // Not at once: its window may be walking its children to hide them.
+        m_frame->hide();
+        m_frame->deleteLater();
+        m_frame.clear();
+    }
     m_target.clear();
 }
 
