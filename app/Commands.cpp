@@ -81,7 +81,7 @@ void Commands::Toolbar(ToolbarButton button)
         Send(core::Msg_Recorder_Start);
         break;
     case ToolbarButton::RepeatRecording:
-        RepeatLastRecording();
+        Project().util_RepeatLastRecording();
         break;
     case ToolbarButton::AddMark:
         AddMark(AddMarkToolbarTitle());
@@ -96,8 +96,6 @@ void Commands::Seek(std::int32_t fromMS, std::int32_t toMS) const
     params.PlayToMS = toMS;
     Send(core::Msg_Player_SetRange, params);
 }
-
-void Commands::RepeatLastRecording() {}
 
 void Commands::Undo()
 {

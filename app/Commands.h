@@ -91,7 +91,6 @@ public:
 
 private:
     void Seek(std::int32_t fromMS, std::int32_t toMS) const;
-    void RepeatLastRecording();
     core::ClassID ChannelForFiles(core::ClassID wanted) const;
     void ToggleSetting(std::int32_t msgID, bool now) const;
     void EditChannels(const char* undoTitle, std::int32_t msgID, core::ClassID channel);

@@ -1,9 +1,11 @@
 #include "app/MainPanel.h"
 
+#include "controls/ChannelFrame.h"
 #include "controls/Combo.h"
 #include "controls/CoolToolBar.h"
 #include "controls/Drawing.h"
 #include "controls/LCDDisplay.h"
+#include "controls/MasterPanel.h"
 #include "controls/Theme.h"
 
 #include <QLabel>
@@ -33,9 +35,9 @@ MainPanel::MainPanel(QWidget* parent)
     , CoolToolBar1(new controls::MainToolBar(this))
     , LCDLabel(new controls::LCDDisplay(this))
     , MarksCombo(new controls::Combo(this))
-    , MusicFrame(Reserve("MusicFrame", theme::Deck))
-    , VoiceFrame(Reserve("VoiceFrame", theme::Deck))
-    , Pic_MasterVol(Reserve("Pic_MasterVol", theme::Deck))
+    , MusicFrame(new controls::MusicFrame_UserCtrl(this))
+    , VoiceFrame(new controls::VoiceFrame_UserCtrl(this))
+    , Pic_MasterVol(new controls::MasterPanel(this))
     , Label2(new QLabel("Overview", this))
     , EventsSmallView(Reserve("EventsSmallView", theme::Ground))
     , EventsEditor(Reserve("EventsEditor", theme::Ground))

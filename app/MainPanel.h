@@ -10,6 +10,9 @@ namespace velmora::controls {
 class Combo;
 class LCDDisplay;
 class MainToolBar;
+class MasterPanel;
+class MusicFrame_UserCtrl;
+class VoiceFrame_UserCtrl;
 } // namespace velmora::controls
 
 namespace velmora::app {
@@ -24,9 +27,9 @@ public:
     controls::MainToolBar* CoolToolBar1;
     controls::LCDDisplay* LCDLabel;
     controls::Combo* MarksCombo;
-    QWidget* MusicFrame;
-    QWidget* VoiceFrame;
-    QWidget* Pic_MasterVol;
+    controls::MusicFrame_UserCtrl* MusicFrame;
+    controls::VoiceFrame_UserCtrl* VoiceFrame;
+    controls::MasterPanel* Pic_MasterVol;
     QLabel* Label2;
     QWidget* EventsSmallView;
     QWidget* EventsEditor;
@@ -36,7 +39,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// A plain place in one colour, for a part that fills it itself or is still to come.
+    /// A plain place in one colour, for a part that is still to come.
     QWidget* Reserve(const char* name, const QColor& ground);
 };
 

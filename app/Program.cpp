@@ -42,6 +42,7 @@ int Program::Run(const std::vector<std::string>& arguments)
     }
     m_window.Place(m_windowState);
     m_startup.Greet();
+    m_startup.OfferAbandonedTakes();
     const int code = QApplication::exec();
     SavePlace();
     m_startup.ShutDown();

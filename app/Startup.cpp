@@ -78,6 +78,11 @@ void Startup::Greet()
     m_environment.config.Global_FirstRun = false;
 }
 
+void Startup::OfferAbandonedTakes()
+{
+    m_workspace.Project()->util_OfferAbandonedTakes();
+}
+
 void Startup::ShutDown()
 {
     if (!m_session) {

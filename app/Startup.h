@@ -32,6 +32,8 @@ public:
     bool OpenFirstProject(const std::string& fromCommandLine);
     /// On the first run, offers the quick guide.
     void Greet();
+    /// What a crash left of recordings in projects that were never saved.
+    void OfferAbandonedTakes();
     /// Saves the settings, drops the project, ends the sound. Twice does nothing.
     void ShutDown();
 

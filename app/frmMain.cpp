@@ -8,9 +8,11 @@
 #include "app/ShownText.h"
 #include "app/frmCompressProject.h"
 #include "app/frmExportAudio.h"
+#include "controls/ChannelFrame.h"
 #include "controls/Combo.h"
 #include "controls/CoolToolBar.h"
 #include "controls/LCDDisplay.h"
+#include "controls/MasterPanel.h"
 #include "core/MsgIds.h"
 #include "core/MsgSenderClass.h"
 #include "core/Paths.h"
@@ -81,6 +83,10 @@ frmMain::frmMain(core::Environment& environment, std::function<void(std::string)
             m_commands.Send(got ? core::Msg_KeyboardFocusGot : core::Msg_KeyboardFocusLost);
         }
     });
+    connect(m_panel->Pic_MasterVol, &controls::MasterPanel::VolumeChosen, this,
+            [this](int volume) { m_commands.SetMasterVolume(volume); });
+    connect(m_panel->Pic_MasterVol, &controls::MasterPanel::MuteChosen, this,
+            [this](bool mute) { m_commands.SetMasterMute(mute); });
     QApplication::instance()->installEventFilter(this);
 }
 
@@ -103,11 +109,24 @@ void frmMain::InitializeMainWindow()
     MarksChanged();
     ToolbarChanged();
     TimeChanged();
+    MasterChanged();
     PathsChanged();
+}
+
+void frmMain::InitializeMusicFrame()
+{
+    m_panel->MusicFrame->Initialize_Class(m_commands.Project());
+}
+
+void frmMain::InitializeVoiceFrame()
+{
+    m_panel->VoiceFrame->Initialize_Class(m_commands.Project());
 }
 
 void frmMain::ProjectEnds()
 {
+    m_panel->MusicFrame->Release();
+    m_panel->VoiceFrame->Release();
     m_model.reset();
 }
 
@@ -146,7 +165,11 @@ void frmMain::TimeChanged()
     m_panel->LCDLabel->SetTime(ToQt(ShownTime(m_model->TimePos())));
 }
 
-void frmMain::MasterChanged() {}
+void frmMain::MasterChanged()
+{
+    m_panel->Pic_MasterVol->SetVolume(m_model->MasterVolume());
+    m_panel->Pic_MasterVol->SetMute(m_model->MasterMute());
+}
 
 void frmMain::ChooseMark(int index)
 {
@@ -310,6 +333,20 @@ void WindowViews::InitializeMainWindow()
 {
     if (m_window != nullptr) {
         m_window->InitializeMainWindow();
+    }
+}
+
+void WindowViews::InitializeMusicFrame()
+{
+    if (m_window != nullptr) {
+        m_window->InitializeMusicFrame();
+    }
+}
+
+void WindowViews::InitializeVoiceFrame()
+{
+    if (m_window != nullptr) {
+        m_window->InitializeVoiceFrame();
     }
 }
 

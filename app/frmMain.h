@@ -36,6 +36,8 @@ public:
 
     /// A project begins: listens to it, before anything else of the window does.
     void InitializeMainWindow();
+    void InitializeMusicFrame();
+    void InitializeVoiceFrame();
     /// False refuses all input but that to other windows.
     void EnableMainWindow(bool enable);
 
@@ -88,6 +90,8 @@ public:
     void SetWindow(frmMain* window) { m_window = window; }
 
     void InitializeMainWindow() override;
+    void InitializeMusicFrame() override;
+    void InitializeVoiceFrame() override;
     void EnableMainWindow(bool enable) override;
 
 private:
