@@ -30,6 +30,9 @@ std::string Configuration::GetXMLData() const
     writer.Add_Element("EncWMAFormat.freq", EncWMAFormat.freq);
     writer.Add_Element("EncWMAFormat.nChannels", EncWMAFormat.nChannels);
     writer.Add_Element("EncWMAFormat.bitrate", EncWMAFormat.bitrate);
+    if (Recording_OffsetMS != 0) {
+        writer.Add_Element("Recording_OffsetMS", Recording_OffsetMS);
+    }
     return std::string(kHeader) + writer.GetXMLString();
 }
 
@@ -55,6 +58,7 @@ void Configuration::LoadXMLData(std::string_view xml)
     read("EncWMAFormat.freq", EncWMAFormat.freq, standard.EncWMAFormat.freq);
     read("EncWMAFormat.nChannels", EncWMAFormat.nChannels, standard.EncWMAFormat.nChannels);
     read("EncWMAFormat.bitrate", EncWMAFormat.bitrate, standard.EncWMAFormat.bitrate);
+    read("Recording_OffsetMS", Recording_OffsetMS, standard.Recording_OffsetMS);
     BassDevice_Freq = kDeviceFreq;
     BassRecDevice_Freq = kDeviceFreq;
 }

@@ -24,6 +24,8 @@ struct Configuration {
     std::int16_t Global_InputDevice = 0;
     std::int16_t Global_OutputDevice = -1;
     bool Global_Rec_RecordAsMono = false;
+    /// What no software can measure of the way from the output to the input, in ms; added to where a take begins.
+    std::int32_t Recording_OffsetMS = 0;
     std::int16_t Playback_Jumpback = 1;
     EncoderFormat EncWaveFormat;
     EncoderFormat EncWMAFormat;

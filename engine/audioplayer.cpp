@@ -99,6 +99,16 @@ void player_SetTimePos(int32_t positionMS)
     Engine::Get().SetTimePos(positionMS);
 }
 
+void player_ArmStamp(void)
+{
+    Engine::Get().mixSide.ArmStamp();
+}
+
+int32_t player_GetStamp(int32_t* positionMS, uint64_t* mixedFrame)
+{
+    return Engine::Get().MixedFrameOf(*positionMS, *mixedFrame) ? 1 : 0;
+}
+
 void player_SetMetronome(int32_t enabled, double periodMS, uint32_t streamHandle)
 {
     Engine::Get().SetMetronome(enabled != 0, periodMS, streamHandle);

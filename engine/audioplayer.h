@@ -43,6 +43,11 @@ ENGINE_API int32_t player_IsPlaying(void);
 /// Position of the audio last handed to the output buffer.
 ENGINE_API int32_t player_GetTimePos(void);
 ENGINE_API void player_SetTimePos(int32_t positionMS);
+/// From now on, the first block in which the clock runs is noted.
+ENGINE_API void player_ArmStamp(void);
+/// The number, among all frames mixed for the device, of the frame at which the clock stood at `positionMS`, by the
+/// block that was noted; `positionMS` of -2147483648 is where it stood then, which is told back. 0 when there is none.
+ENGINE_API int32_t player_GetStamp(int32_t* positionMS, uint64_t* mixedFrame);
 ENGINE_API void player_SetMetronome(int32_t enabled, double periodMS, uint32_t streamHandle);
 
 /// Addresses of DSPPROC functions. The gain's user value is its factor x 10000, cut; the voice removal's the amount

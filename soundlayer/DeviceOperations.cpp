@@ -15,11 +15,11 @@
 using velmora::soundlayer::AudioDevice;
 using velmora::soundlayer::CubebDevice;
 using velmora::soundlayer::Fail;
+using velmora::soundlayer::KnownDevice;
 using velmora::soundlayer::Library;
 using velmora::soundlayer::MakeNoSoundDevice;
 using velmora::soundlayer::Operation;
 using velmora::soundlayer::Output;
-using velmora::soundlayer::OutputDevice;
 using velmora::soundlayer::SurvivingDevice;
 
 namespace {
@@ -32,7 +32,7 @@ constexpr std::uint32_t kEnabled = 1;
 constexpr std::uint32_t kDefault = 2;
 constexpr std::uint32_t kInUse = 4;
 
-std::unique_ptr<AudioDevice> MakeRealDevice(const OutputDevice& device, bool followDefault)
+std::unique_ptr<AudioDevice> MakeRealDevice(const KnownDevice& device, bool followDefault)
 {
     // The same backend each time: hardware that is taken while its server is away would keep the server from coming
     // back.
@@ -64,10 +64,10 @@ int BASS_Init(int32_t device, uint32_t freq, uint32_t, void*, const void*)
             return Fail(BASS_ERROR_ALREADY, 0);
         }
         if (device != kNoSound) {
-            library.devices.Refresh();
+            library.outputs.Refresh();
         }
-        const std::int32_t number = device == kDefaultDevice ? library.devices.DefaultNumber() : device;
-        const OutputDevice* real = library.devices.Find(number);
+        const std::int32_t number = device == kDefaultDevice ? library.outputs.DefaultNumber() : device;
+        const KnownDevice* real = library.outputs.Find(number);
         if (number != kNoSound && !(real && real->present)) {
             return Fail(BASS_ERROR_DEVICE, 0);
         }
@@ -123,15 +123,15 @@ int BASS_GetDeviceInfo(uint32_t device, BASS_DEVICEINFO* info)
 {
     return Operation(0, [&] {
         Library& library = Library::Get();
-        library.devices.RefreshIfOld();
-        const OutputDevice* real = library.devices.Find(device);
+        library.outputs.RefreshIfOld();
+        const KnownDevice* real = library.outputs.Find(device);
         if (device != kNoSound && !real) {
             return Fail(BASS_ERROR_DEVICE, 0);
         }
         const auto number = static_cast<std::int32_t>(device);
         const bool present = !real || real->present;
         const bool inUse = library.output && library.deviceNumber == number;
-        const bool isDefault = library.devices.DefaultNumber() == number;
+        const bool isDefault = library.outputs.DefaultNumber() == number;
         *info = {real ? real->name.c_str() : "No sound", real ? real->backend.c_str() : "",
                  (present ? kEnabled : 0) | (isDefault ? kDefault : 0) | (inUse ? kInUse : 0)};
         return 1;
@@ -216,6 +216,14 @@ uint64_t Sound_MissedFrames(void)
     return Operation(std::uint64_t{0}, [] {
         const Library& library = Library::Get();
         return library.output ? library.output->MissedFrames() : 0;
+    });
+}
+
+uint64_t Sound_MixedFrames(void)
+{
+    return Operation(std::uint64_t{0}, [] {
+        const Library& library = Library::Get();
+        return library.output ? library.output->MixedFrames() : 0;
     });
 }
 

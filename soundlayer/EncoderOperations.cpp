@@ -1,3 +1,4 @@
+#include "soundlayer/internal/CaptureStream.h"
 #include "soundlayer/internal/EncoderSession.h"
 #include "soundlayer/internal/FileEncoder.h"
 #include "soundlayer/internal/Library.h"
@@ -45,8 +46,13 @@ HENCODE BASS_Encode_StartACMFile(uint32_t handle, const WAVEFORMATEX* format, ui
         if (!encoder) {
             return Fail(CodeOf(error), HENCODE{0});
         }
-        auto session = std::make_shared<EncoderSession>(
-            std::move(encoder), AudioFormat{stream->Rate(), stream->Channels()}, (flags & BASS_ENCODE_PAUSE) != 0);
+        const AudioFormat input{stream->Rate(), stream->Channels()};
+        const bool paused = (flags & BASS_ENCODE_PAUSE) != 0;
+        if (const auto* capture = dynamic_cast<const CaptureStream*>(stream.get())) {
+            return library.Register(std::make_shared<EncoderSession>(std::move(encoder), input, paused,
+                                                                     std::make_shared<CaptureTake>(capture->Device())));
+        }
+        auto session = std::make_shared<EncoderSession>(std::move(encoder), input, paused);
         session->stream = stream;
         stream->AddTap(library.edits, session);
         return library.Register(std::move(session));

@@ -1,5 +1,6 @@
 #include "soundlayer/internal/AudioFile.h"
 #include "soundlayer/internal/CallbackStream.h"
+#include "soundlayer/internal/CaptureStream.h"
 #include "soundlayer/internal/FileStream.h"
 #include "soundlayer/internal/FrameSource.h"
 #include "soundlayer/internal/Library.h"
@@ -190,6 +191,10 @@ int BASS_ChannelStop(uint32_t handle)
         if (!stream) {
             return 0;
         }
+        if (dynamic_cast<const CaptureStream*>(stream)) {
+            library.StopRecording(handle);
+            return 1;
+        }
         stream->stopped = true;
         if (library.output && library.output->Playing(*stream)) {
             library.output->StopPlaying(*stream);
@@ -211,6 +216,9 @@ uint32_t BASS_ChannelGetData(uint32_t handle, void* buffer, uint32_t length)
                 return Fail(SOUND_ERROR_DECODE, UINT32_MAX);
             }
             library.edits.Flush();
+        }
+        if (const auto* capture = dynamic_cast<const CaptureStream*>(stream); capture && length == 0) {
+            return static_cast<std::uint32_t>(capture->Device()->Ready() * FrameBytes(*stream));
         }
         const auto frames = static_cast<std::size_t>(length / FrameBytes(*stream));
         return static_cast<std::uint32_t>(PullAll(*stream, static_cast<std::int16_t*>(buffer), frames) *

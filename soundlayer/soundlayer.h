@@ -82,6 +82,10 @@ typedef void SOUND_RELEASEPROC(SOUND_USER user);
 #define BASS_FX_DX8_PARAMEQ 7
 #define BASS_FX_DX8_REVERB 8
 
+#define SOUND_FIRST_OWN_RECORDER 1000
+#define SOUND_INPUT_SILENT 1
+#define SOUND_INPUT_CLIPPED 2
+
 typedef struct {
     uint32_t minbuf;  /* smallest buffer in ms that the device runs with */
     uint32_t latency; /* ms from the device's callback to the ear */
@@ -173,6 +177,19 @@ typedef struct {
     float fHighFreqRTRatio; /* time of high frequencies by that of low ones: 0.001..0.999 (0.001) */
 } BASS_DX8_REVERB;
 
+/// Called each time a record device of the application's own was started; it may deliver from here on.
+typedef void SOUND_STARTEDPROC(SOUND_USER user);
+
+/// A record device of the application's own: nothing but a name and what it delivers by `Sound_RecordDeliver`.
+typedef struct {
+    const char* name;
+    uint32_t freq;              /* Hz at which it runs whatever is wanted; 0: at any */
+    uint32_t chans;             /* 1 or 2 */
+    int refuses;                /* not 0: it cannot be started */
+    SOUND_STARTEDPROC* started; /* may be null */
+    SOUND_USER user;
+} SOUND_RECORDER;
+
 /* Library and device. Device 0 is "No sound", a clock without ears; real ones follow from 1 and keep their number while
  * the process lives; -1 is the system's default, which is "No sound" where there is no server nor hardware. */
 
@@ -226,6 +243,25 @@ SOUND_API int BASS_ChannelRemoveFX(uint32_t handle, HFX fx);
 /// `block` is the BASS_DX8 block of the effect's type; what sounds glides there.
 SOUND_API int BASS_FXSetParameters(HFX fx, const void* block);
 
+/* Recording. Record devices count from 0, the system's default first, and keep their number while the process lives;
+ * those of the application's own have numbers from SOUND_FIRST_OWN_RECORDER on and stand in no list. A record channel
+ * is a decoding stream of what the device delivers, for hearing: who pulls it late gets the newest, and what piled up
+ * before is dropped. An encoder on it misses nothing. Frames that the device lost are silence of their length. */
+
+/// Makes the device ready and the current one. Fails with BASS_ERROR_DRIVER where there is nothing to record from,
+/// BASS_ERROR_DEVICE for a number that is not there, BASS_ERROR_ALREADY for a device that is ready.
+SOUND_API int BASS_RecordInit(int32_t device);
+/// Frees the current record device, and its channel with it.
+SOUND_API int BASS_RecordFree(void);
+/// Makes one of the ready devices the current one.
+SOUND_API int BASS_RecordSetDevice(uint32_t device);
+/// Starts the current device in stereo, at `freq` Hz whatever its own rate and channels are; `flags` and `proc` are 0.
+SOUND_API HRECORD BASS_RecordStart(uint32_t freq, uint32_t chans, uint32_t flags, const void* proc, SOUND_USER user);
+SOUND_API int BASS_RecordGetDeviceInfo(uint32_t device, BASS_DEVICEINFO* info);
+/// The inputs of the current device and their level, where the server offers them; else BASS_ERROR_NOTAVAIL and -1.
+SOUND_API uint32_t BASS_RecordGetInput(int32_t input, float* volume);
+SOUND_API int BASS_RecordSetInput(int32_t input, uint32_t flags, float volume);
+
 /* Mixers: sum their sources, whatever their rate, and give silence without any. */
 
 SOUND_API HSTREAM BASS_Mixer_StreamCreate(uint32_t freq, uint32_t chans, uint32_t flags);
@@ -237,7 +273,8 @@ SOUND_API int BASS_Mixer_ChannelRemove(HSTREAM channel);
 
 /* Encoders. A file has the rate and channels that its encoder was opened with, whatever the stream's. */
 
-/// Writes what `handle` gives from now on; with BASS_ENCODE_PAUSE, from `BASS_Encode_SetPaused(encoder, 0)` on.
+/// Writes what `handle` gives from now on; with BASS_ENCODE_PAUSE, from `BASS_Encode_SetPaused(encoder, 0)` on. On a
+/// record channel it writes what the device delivers, whether anybody hears it or not.
 SOUND_API HENCODE BASS_Encode_StartACMFile(uint32_t handle, const WAVEFORMATEX* format, uint32_t flags,
                                            const char* file);
 SOUND_API int BASS_Encode_SetPaused(HENCODE encoder, int paused);
@@ -286,6 +323,27 @@ SOUND_API int Sound_OnMixingThread(void);
 SOUND_API uint64_t Sound_MissedFrames(void);
 /// Frames of files that were not decoded when the device's mix came to them; they were silent.
 SOUND_API uint64_t Sound_LateFrames(void);
+/// Frames mixed for the device since it was started; within the heartbeat, the number of the block's first frame. [RT]
+SOUND_API uint64_t Sound_MixedFrames(void);
+/// 1: the device delivers; 2: it has delivered nothing for 3 s, so silence stands for it; 3: it is lost, and what came
+/// until then is all; 0: no such channel.
+SOUND_API int32_t Sound_RecordState(HRECORD record);
+/// Frames that the device has not delivered and silence stands for.
+SOUND_API uint64_t Sound_RecordGapFrames(HRECORD record);
+/// SOUND_INPUT_SILENT: nothing but zeros for 3 s; SOUND_INPUT_CLIPPED: at the limit within the last 3 s.
+SOUND_API uint32_t Sound_RecordInput(HRECORD record);
+/// How long after the first frame of an encoder's file sounded at the record device, mixed frame `mixed` was heard from
+/// the output device, in seconds. 0 while that is not known, or the encoder is not on a record channel.
+SOUND_API int Sound_RecordOffset(HENCODE encoder, uint64_t mixed, double* seconds);
+/// A record device of the application's own; its number, or -1. Until `Sound_RecordRemoveDevice`.
+SOUND_API int32_t Sound_RecordAddDevice(const SOUND_RECORDER* recorder);
+SOUND_API int Sound_RecordRemoveDevice(int32_t device);
+/// Takes a block from an own device that was started, in its format; `endNS` is the time by the system's monotonic
+/// clock at which the frame behind the last one sounds. 0, and nothing is taken, while there is no room or it is not
+/// started.
+SOUND_API int Sound_RecordDeliver(int32_t device, const int16_t* interleaved, uint32_t frames, int64_t endNS);
+/// An own device goes away in mid-capture.
+SOUND_API int Sound_RecordLose(int32_t device);
 /// 0: none, or "No sound"; 1: sounding; 2: lost. The clock of a lost device goes on, and the layer tries each second to
 /// bring it back.
 SOUND_API int32_t Sound_DeviceState(void);

@@ -66,6 +66,21 @@ std::int32_t Engine::TimePos() const
     return PlaybackClock::TimeOf(planner.Frames(), Rate());
 }
 
+bool Engine::MixedFrameOf(std::int32_t& positionMS, std::uint64_t& mixedFrame) const
+{
+    const auto stamp = mixSide.LastStamp();
+    if (!stamp) {
+        return false;
+    }
+    if (positionMS == core::kUnset) {
+        positionMS = PlaybackClock::TimeOf(stamp->clockFrame, Rate());
+    }
+    // A clock that stands between two milliseconds left the earlier one before it was held.
+    const std::int64_t since = stamp->clockFrame - core::FrameOfMS(positionMS, Rate());
+    mixedFrame = static_cast<std::uint64_t>(static_cast<std::int64_t>(stamp->mixedFrame) - since);
+    return true;
+}
+
 void Engine::SetMetronome(bool enabled, double periodMS, std::uint32_t stream)
 {
     m_metronome.Set(enabled, periodMS, stream, Rate());

@@ -25,6 +25,8 @@ public:
     void Play();
     void SetTimePos(std::int32_t positionMS);
     std::int32_t TimePos() const;
+    /// As the entry point `player_GetStamp`.
+    bool MixedFrameOf(std::int32_t& positionMS, std::uint64_t& mixedFrame) const;
     void SetMetronome(bool enabled, double periodMS, std::uint32_t stream);
 
     MixSide mixSide;

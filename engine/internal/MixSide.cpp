@@ -1,5 +1,7 @@
 #include "engine/internal/MixSide.h"
 
+#include "soundlayer/soundlayer.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -89,6 +91,23 @@ void MixSide::TakePlan()
     }
 }
 
+std::optional<MixSide::Stamp> MixSide::LastStamp() const
+{
+    if (m_stamping.load(std::memory_order_acquire) != Stamping::Done) {
+        return {};
+    }
+    return Stamp{m_stampClock.load(std::memory_order_acquire), m_stampMixed.load(std::memory_order_acquire)};
+}
+
+void MixSide::TakeStamp(std::int64_t now)
+{
+    if (m_stamping.load(std::memory_order_acquire) == Stamping::Armed) {
+        m_stampClock.store(now, std::memory_order_release);
+        m_stampMixed.store(Sound_MixedFrames(), std::memory_order_release);
+        m_stamping.store(Stamping::Done, std::memory_order_release);
+    }
+}
+
 std::uint32_t MixSide::BeforeBlock(std::uint32_t wanted)
 {
     TakePlan();
@@ -105,6 +124,7 @@ std::uint32_t MixSide::BeforeBlock(std::uint32_t wanted)
         return wanted;
     }
     const std::int64_t now = clock.Frames();
+    TakeStamp(now);
     std::int64_t next = now + wanted;
     if (m_plan) {
         for (const auto& voice : m_plan->voices) {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <readerwriterqueue/readerwriterqueue.h>
@@ -34,6 +35,14 @@ public:
 
     /// The clock runs once the plan that answers `seek` is in force.
     void Play(std::uint64_t seek);
+    /// Where the clock stood when it ran first after `ArmStamp`, and the number of the frame that was mixed there.
+    struct Stamp {
+        std::int64_t clockFrame = 0;
+        std::uint64_t mixedFrame = 0;
+    };
+    void ArmStamp() { m_stamping.store(Stamping::Armed, std::memory_order_release); }
+    std::optional<Stamp> LastStamp() const;
+
     /// The last seek that took effect.
     std::uint64_t SeeksDone() const { return m_seeksDone.load(std::memory_order_acquire); }
     /// Voices that were not ready when the clock came to them.
@@ -54,7 +63,10 @@ public:
     std::int64_t BlockStart() const { return m_blockStart; }
 
 private:
+    enum class Stamping { Idle, Armed, Done };
+
     void TakePlan();
+    void TakeStamp(std::int64_t now);
 
     std::atomic<PlaybackPlan*> m_next{nullptr};
     moodycamel::ReaderWriterQueue<PlaybackPlan*> m_retired;
@@ -63,6 +75,9 @@ private:
     std::atomic<std::uint64_t> m_missedVoices{0};
     std::atomic<std::uint64_t> m_retiredCount{0};
     std::uint64_t m_freedCount = 0;
+    std::atomic<Stamping> m_stamping{Stamping::Idle};
+    std::atomic<std::int64_t> m_stampClock{0};
+    std::atomic<std::uint64_t> m_stampMixed{0};
     // Of the mixing thread.
     PlaybackPlan* m_plan = nullptr;
     std::uint64_t m_planNumber = 0;

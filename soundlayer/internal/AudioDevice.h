@@ -8,14 +8,24 @@
 
 namespace velmora::soundlayer {
 
+/// Monotonic; what sounds and what is heard is told by it.
+using SoundClock = std::chrono::steady_clock;
+
+inline SoundClock::duration TimeOfFrames(std::int64_t frames, std::uint32_t rate)
+{
+    const std::int64_t hz = rate;
+    return std::chrono::seconds(frames / hz) + std::chrono::nanoseconds(frames % hz * 1'000'000'000 / hz);
+}
+
 /// Numbers are those of `Sound_DeviceState`.
 enum class DeviceState : std::uint8_t { None = 0, Sounding = 1, Lost = 2 };
 
 /// Where the sound goes. Adapters differ, nothing above knows which one it has.
 class AudioDevice {
 public:
-    /// Asks for `frames` stereo frames at `out`; called on the device's own thread. [RT]
-    using Callback = std::function<void(std::int16_t* out, std::size_t frames)>;
+    /// Asks for `frames` stereo frames at `out`, the first of which will be heard at `heard`; called on the device's
+    /// own thread. [RT]
+    using Callback = std::function<void(std::int16_t* out, std::size_t frames, SoundClock::time_point heard)>;
 
     virtual ~AudioDevice() = default;
     /// Calls back from now on, at `rate` Hz. False when the device refuses.

@@ -1,5 +1,7 @@
 #include "soundlayer/internal/CubebContext.h"
 
+#include <algorithm>
+
 #include <alsa/asoundlib.h>
 #include <cubeb/cubeb.h>
 
@@ -14,11 +16,12 @@ std::string Text(const char* text)
     return text ? text : "";
 }
 
-/// ALSA's "null" takes sound as fast as it comes: no clock, and a core burnt.
-bool TakesWithoutClock(const char* alsaName)
+/// ALSA's "null" takes and gives sound as fast as one asks: no clock, and a core burnt.
+bool HasNoClock(const char* alsaName, Direction direction)
 {
     snd_pcm_t* pcm = nullptr;
-    if (snd_pcm_open(&pcm, alsaName, SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK) < 0) {
+    const auto stream = direction == Direction::Output ? SND_PCM_STREAM_PLAYBACK : SND_PCM_STREAM_CAPTURE;
+    if (snd_pcm_open(&pcm, alsaName, stream, SND_PCM_NONBLOCK) < 0) {
         return false;
     }
     const bool null = snd_pcm_type(pcm) == SND_PCM_TYPE_NULL;
@@ -57,24 +60,33 @@ std::string BackendOf(cubeb& context)
     return Text(cubeb_get_backend_id(&context));
 }
 
-std::vector<SystemOutput> ListOutputs(cubeb& context)
+std::vector<SystemDevice> ListDevices(cubeb& context, Direction direction)
 {
     cubeb_device_collection found{};
-    if (cubeb_enumerate_devices(&context, CUBEB_DEVICE_TYPE_OUTPUT, &found) != CUBEB_OK) {
+    const auto type = direction == Direction::Output ? CUBEB_DEVICE_TYPE_OUTPUT : CUBEB_DEVICE_TYPE_INPUT;
+    if (cubeb_enumerate_devices(&context, type, &found) != CUBEB_OK) {
         return {};
     }
     const bool alsa = BackendOf(context) == "alsa";
-    std::vector<SystemOutput> outputs;
+    std::vector<SystemDevice> devices;
     for (std::size_t i = 0; i < found.count; ++i) {
         const cubeb_device_info& device = found.device[i];
-        if (device.state != CUBEB_DEVICE_STATE_ENABLED || (alsa && TakesWithoutClock(device.device_id))) {
+        if (device.state != CUBEB_DEVICE_STATE_ENABLED || (alsa && HasNoClock(device.device_id, direction))) {
             continue;
         }
         const bool isDefault = (device.preferred & CUBEB_DEVICE_PREF_MULTIMEDIA) != 0;
-        outputs.push_back({device.devid, Text(device.device_id), Text(device.friendly_name), isDefault});
+        devices.push_back(
+            {device.devid, Text(device.device_id), Text(device.friendly_name), device.default_rate, isDefault});
     }
     cubeb_device_collection_destroy(&context, &found);
-    return outputs;
+    return devices;
+}
+
+const SystemDevice* FindDevice(const std::vector<SystemDevice>& devices, const std::string& id)
+{
+    const auto found =
+        std::ranges::find_if(devices, [&id](const SystemDevice& device) { return id.empty() || device.id == id; });
+    return found == devices.end() ? nullptr : &*found;
 }
 
 } // namespace velmora::soundlayer

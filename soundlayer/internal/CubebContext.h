@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,11 +18,15 @@ struct CubebDeleter {
 using CubebContext = std::unique_ptr<cubeb, CubebDeleter>;
 using CubebStream = std::unique_ptr<cubeb_stream, CubebDeleter>;
 
-/// An output that can be opened. `handle` is valid while the context lives, `id` from run to run.
-struct SystemOutput {
+enum class Direction { Output, Input };
+
+/// A device that can be opened. `handle` is valid while the context lives, `id` from run to run.
+struct SystemDevice {
     const void* handle = nullptr;
     std::string id;
     std::string name;
+    /// Hz at which it likes to run.
+    std::uint32_t rate = 0;
     bool isDefault = false;
 };
 
@@ -29,7 +34,9 @@ struct SystemOutput {
 /// a server that hangs.
 CubebContext OpenCubeb(const std::string& backend);
 std::string BackendOf(cubeb& context);
-/// What can be played on, in the library's order; nothing where there is no hardware.
-std::vector<SystemOutput> ListOutputs(cubeb& context);
+/// What can be played on or recorded from, in the library's order; nothing where there is no hardware.
+std::vector<SystemDevice> ListDevices(cubeb& context, Direction direction);
+/// The device of that id, or the first one for an empty id; null when it is not there.
+const SystemDevice* FindDevice(const std::vector<SystemDevice>& devices, const std::string& id);
 
 } // namespace velmora::soundlayer

@@ -27,10 +27,9 @@ bool CubebDevice::Start(std::uint32_t rate, Callback callback)
     if (!m_context) {
         return false;
     }
-    const auto outputs = ListOutputs(*m_context);
-    const auto output = std::ranges::find_if(
-        outputs, [this](const SystemOutput& found) { return m_choice.id.empty() || found.id == m_choice.id; });
-    if (output == outputs.end()) {
+    const auto outputs = ListDevices(*m_context, Direction::Output);
+    const SystemDevice* output = FindDevice(outputs, m_choice.id);
+    if (!output) {
         return false;
     }
     m_callback = std::move(callback);
@@ -98,12 +97,13 @@ long CubebDevice::OnData(cubeb_stream* stream, std::int16_t* out, long frames)
 {
     // Asked elsewhere, the figure jumps by a block.
     std::uint32_t latency = 0;
+    const auto called = Clock::now();
     if (cubeb_stream_get_latency(stream, &latency) == CUBEB_OK) {
         const std::size_t count = m_readingCount.load(std::memory_order_relaxed);
         m_readings[count % kReadings].store({SinceStartMS(), latency}, std::memory_order_relaxed);
         m_readingCount.store(count + 1, std::memory_order_release);
     }
-    m_callback(out, static_cast<std::size_t>(frames));
+    m_callback(out, static_cast<std::size_t>(frames), called + TimeOfFrames(latency, m_rate));
     return frames;
 }
 

@@ -38,7 +38,7 @@ public:
     std::uint32_t MinBufferMS() const override { return m_minBufferMS; }
 
 private:
-    using Clock = std::chrono::steady_clock;
+    using Clock = SoundClock;
     /// A callback and the latency that it was told.
     struct Reading {
         std::uint32_t atMS = 0;

@@ -1,7 +1,5 @@
 #include "soundlayer/internal/DeviceList.h"
 
-#include "soundlayer/internal/CubebContext.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -10,7 +8,7 @@ namespace velmora::soundlayer {
 void DeviceList::Refresh()
 {
     if (!m_answer.valid()) {
-        std::packaged_task<std::vector<OutputDevice>()> task(&DeviceList::AskSystem);
+        std::packaged_task<std::vector<KnownDevice>()> task([direction = m_direction] { return AskSystem(direction); });
         m_answer = task.get_future();
         m_worker = std::thread(std::move(task));
     }
@@ -29,7 +27,7 @@ void DeviceList::RefreshIfOld()
     }
 }
 
-const OutputDevice* DeviceList::Find(std::int64_t number) const
+const KnownDevice* DeviceList::Find(std::int64_t number) const
 {
     const bool known = number >= 1 && number <= static_cast<std::int64_t>(m_devices.size());
     return known ? &m_devices[static_cast<std::size_t>(number - 1)] : nullptr;
@@ -38,8 +36,8 @@ const OutputDevice* DeviceList::Find(std::int64_t number) const
 std::int32_t DeviceList::DefaultNumber() const
 {
     const auto present =
-        std::ranges::find_if(m_devices, [](const OutputDevice& device) { return device.present && device.isDefault; });
-    const auto first = present != m_devices.end() ? present : std::ranges::find_if(m_devices, &OutputDevice::present);
+        std::ranges::find_if(m_devices, [](const KnownDevice& device) { return device.present && device.isDefault; });
+    const auto first = present != m_devices.end() ? present : std::ranges::find_if(m_devices, &KnownDevice::present);
     return first == m_devices.end() ? 0 : static_cast<std::int32_t>(first - m_devices.begin()) + 1;
 }
 
@@ -51,27 +49,30 @@ void DeviceList::EndWorker()
     }
 }
 
-std::vector<OutputDevice> DeviceList::AskSystem()
+std::vector<KnownDevice> DeviceList::AskSystem(Direction direction)
 {
     const CubebContext context = OpenCubeb({});
     if (!context) {
         return {};
     }
-    std::vector<OutputDevice> found;
-    for (SystemOutput& output : ListOutputs(*context)) {
-        found.push_back({std::move(output.id), std::move(output.name), BackendOf(*context), true, output.isDefault});
+    std::vector<KnownDevice> found;
+    for (SystemDevice& device : ListDevices(*context, direction)) {
+        found.push_back({std::move(device.id), std::move(device.name), BackendOf(*context), true, device.isDefault});
+    }
+    if (direction == Direction::Input) {
+        std::ranges::stable_partition(found, &KnownDevice::isDefault);
     }
     return found;
 }
 
-void DeviceList::Take(std::vector<OutputDevice> found)
+void DeviceList::Take(std::vector<KnownDevice> found)
 {
-    for (OutputDevice& known : m_devices) {
+    for (KnownDevice& known : m_devices) {
         known.present = false;
         known.isDefault = false;
     }
-    for (OutputDevice& device : found) {
-        const auto known = std::ranges::find_if(m_devices, [&](const OutputDevice& other) {
+    for (KnownDevice& device : found) {
+        const auto known = std::ranges::find_if(m_devices, [&](const KnownDevice& other) {
             return other.id == device.id && other.backend == device.backend;
         });
         if (known == m_devices.end()) {

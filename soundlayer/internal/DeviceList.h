@@ -1,5 +1,7 @@
 #pragma once
 
+#include "soundlayer/internal/CubebContext.h"
+
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -10,8 +12,8 @@
 
 namespace velmora::soundlayer {
 
-/// A real output device as it was found last.
-struct OutputDevice {
+/// A real device as it was found last.
+struct KnownDevice {
     std::string id;
     std::string name;
     std::string backend;
@@ -19,13 +21,17 @@ struct OutputDevice {
     bool isDefault = false;
 };
 
-/// The real output devices by number, from 1 in the system's order. A number once given stands for the same device as
+/// The real devices of one direction by number, from 1: outputs in the system's order, inputs with the system's default
+/// before the others. A number once given stands for the same device as
 /// long as the process lives: what is new comes at the end, what is gone stays as absent.
 ///
 /// Used by one thread at a time. Asking is done by a worker, since a server that hangs may take half a minute.
 class DeviceList {
 public:
-    DeviceList() = default;
+    explicit DeviceList(Direction direction)
+        : m_direction(direction)
+    {
+    }
     ~DeviceList() { EndWorker(); }
     DeviceList(const DeviceList&) = delete;
     DeviceList& operator=(const DeviceList&) = delete;
@@ -35,7 +41,7 @@ public:
     /// As `Refresh`, if the last answer is older than `kFresh`.
     void RefreshIfOld();
     /// Null for a number that was never given, 0 included. The device lives as long as the list.
-    const OutputDevice* Find(std::int64_t number) const;
+    const KnownDevice* Find(std::int64_t number) const;
     /// The system's default device, or 0 where there is no server nor hardware.
     std::int32_t DefaultNumber() const;
     void EndWorker();
@@ -45,11 +51,12 @@ private:
     static constexpr std::chrono::seconds kPatience{2};
     static constexpr std::chrono::seconds kFresh{1};
 
-    static std::vector<OutputDevice> AskSystem();
-    void Take(std::vector<OutputDevice> found);
+    static std::vector<KnownDevice> AskSystem(Direction direction);
+    void Take(std::vector<KnownDevice> found);
 
-    std::deque<OutputDevice> m_devices;
-    std::future<std::vector<OutputDevice>> m_answer;
+    const Direction m_direction;
+    std::deque<KnownDevice> m_devices;
+    std::future<std::vector<KnownDevice>> m_answer;
     std::thread m_worker;
     Clock::time_point m_answered;
 };

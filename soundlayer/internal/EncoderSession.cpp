@@ -2,26 +2,43 @@
 
 #include "soundlayer/internal/MixingThread.h"
 
+#include <chrono>
 #include <utility>
 
 namespace velmora::soundlayer {
 
 namespace {
 constexpr std::size_t kPieceFrames = 4096;
-}
+/// How far a file may be behind its source.
+constexpr std::chrono::milliseconds kSourceLook{100};
+} // namespace
 
-EncoderSession::EncoderSession(std::unique_ptr<FileEncoder> encoder, AudioFormat input, bool paused)
+EncoderSession::EncoderSession(std::unique_ptr<FileEncoder> encoder, AudioFormat input, bool paused,
+                               std::shared_ptr<EncoderSource> source)
     : Object(Kind::Encoder)
     , m_encoder(std::move(encoder))
-    , m_paused(paused)
+    , m_source(std::move(source))
+    , m_paused(true)
 {
     SetInput(input);
+    SetPaused(paused);
     m_writer = std::thread([this] { WriteLoop(); });
 }
 
 EncoderSession::~EncoderSession()
 {
     Finish();
+}
+
+void EncoderSession::SetPaused(bool paused)
+{
+    if (m_source && !paused && m_paused) {
+        const std::lock_guard lock(m_writing);
+        m_source->Begin();
+        m_paused = false;
+        return;
+    }
+    m_paused.store(paused, std::memory_order_release);
 }
 
 void EncoderSession::SetInput(AudioFormat input)
@@ -59,6 +76,17 @@ void EncoderSession::Write(const std::int16_t* interleaved, std::size_t frames)
 
 void EncoderSession::Drain()
 {
+    while (m_source && !m_paused) {
+        bool lost = false;
+        const std::size_t frames = m_source->Read(m_piece.data(), kPieceFrames, lost);
+        if (lost) {
+            m_lost.store(true, std::memory_order_relaxed);
+        }
+        if (frames == 0) {
+            break;
+        }
+        Write(m_piece.data(), frames);
+    }
     while (const std::size_t frames = m_ring->Read(m_piece.data(), kPieceFrames)) {
         Write(m_piece.data(), frames);
     }
@@ -67,7 +95,11 @@ void EncoderSession::Drain()
 void EncoderSession::WriteLoop()
 {
     while (!m_ending) {
-        m_waiting.acquire();
+        if (m_source) {
+            static_cast<void>(m_waiting.try_acquire_for(kSourceLook));
+        } else {
+            m_waiting.acquire();
+        }
         const std::lock_guard lock(m_writing);
         Drain();
     }

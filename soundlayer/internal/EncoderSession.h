@@ -11,24 +11,42 @@
 #include <mutex>
 #include <semaphore>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace velmora::soundlayer {
 
+/// Gives an encoder what it writes, in place of blocks that it takes. Called by one thread at a time.
+class EncoderSource {
+public:
+    virtual ~EncoderSource() = default;
+    /// The encoder writes from now on.
+    virtual void Begin() = 0;
+    /// Up to `frames` frames that wait; sets `lost` when some were there no more.
+    virtual std::size_t Read(std::int16_t* interleaved, std::size_t frames, bool& lost) = 0;
+};
+
 /// An encoder behind a handle: takes blocks on whatever thread pulls them.
 ///
 /// What the mixing thread gives goes through a ring to a writer thread, so that the mixing thread writes no file; other
-/// threads write in place. A ring that overflows counts as lost data.
+/// threads write in place. A ring that overflows counts as lost data. With a source, the writer thread asks that one
+/// instead.
 class EncoderSession final : public Object, public BlockTap {
 public:
     /// `input` is the format of the blocks. Paused, blocks are dropped until `SetPaused(false)`.
-    EncoderSession(std::unique_ptr<FileEncoder> encoder, AudioFormat input, bool paused);
+    EncoderSession(std::unique_ptr<FileEncoder> encoder, AudioFormat input, bool paused)
+        : EncoderSession(std::move(encoder), input, paused, nullptr)
+    {
+    }
+    EncoderSession(std::unique_ptr<FileEncoder> encoder, AudioFormat input, bool paused,
+                   std::shared_ptr<EncoderSource> source);
     ~EncoderSession() override;
 
-    void SetPaused(bool paused) { m_paused.store(paused, std::memory_order_release); }
+    void SetPaused(bool paused);
     /// Before the first block only.
     void SetInput(AudioFormat input);
     const AudioFormat& Input() const { return m_input; }
+    EncoderSource* Source() const { return m_source.get(); }
     /// Something was lost on its way to the file. Any thread.
     bool Failed() const { return m_lost.load(std::memory_order_relaxed); }
     void Take(const std::int16_t* interleaved, std::size_t frames) override;
@@ -45,7 +63,8 @@ private:
 
     static constexpr std::size_t kRingSeconds = 4;
 
-    std::unique_ptr<FileEncoder> m_encoder;
+    const std::unique_ptr<FileEncoder> m_encoder;
+    const std::shared_ptr<EncoderSource> m_source;
     AudioFormat m_input;
     std::atomic<bool> m_paused;
     std::atomic<bool> m_lost{false};

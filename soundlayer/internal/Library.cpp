@@ -1,5 +1,7 @@
 #include "soundlayer/internal/Library.h"
 
+#include "soundlayer/internal/CaptureStream.h"
+
 #include <cstdlib>
 #include <utility>
 
@@ -139,10 +141,23 @@ bool Library::FreeEncoder(std::uint32_t handle)
     return complete;
 }
 
+void Library::StopRecording(std::uint32_t handle)
+{
+    if (const auto* stream = dynamic_cast<const CaptureStream*>(FindStream(handle))) {
+        stream->Device()->Stop();
+        FreeStream(handle);
+    }
+}
+
 void Library::FreeEverything()
 {
+    for (const auto& object : handles.All()) {
+        if (dynamic_cast<const CaptureStream*>(object.get())) {
+            StopRecording(object->Handle());
+        }
+    }
     output.reset();
-    devices.EndWorker();
+    outputs.EndWorker();
     for (const auto& object : handles.All()) {
         if (object->ObjectKind() == Object::Kind::Encoder) {
             FreeEncoder(object->Handle());
@@ -153,6 +168,7 @@ void Library::FreeEverything()
             FreeStream(object->Handle());
         }
     }
+    recorders.FreeAll();
     readAhead.Stop();
 }
 

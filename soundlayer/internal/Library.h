@@ -7,6 +7,7 @@
 #include "soundlayer/internal/MixerStream.h"
 #include "soundlayer/internal/Output.h"
 #include "soundlayer/internal/ReadAhead.h"
+#include "soundlayer/internal/Recorders.h"
 
 #include <cstdint>
 #include <memory>
@@ -30,7 +31,8 @@ public:
     HandleTable handles;
     GraphEdits edits;
     ReadAhead readAhead;
-    DeviceList devices;
+    DeviceList outputs{Direction::Output};
+    Recorders recorders;
     std::unique_ptr<Output> output;
     std::int32_t deviceNumber = 0;
     std::uint32_t bufferMS = 500;
@@ -55,6 +57,8 @@ public:
     void FreeStream(std::uint32_t handle);
     /// Closes the file; false when it does not hold all it was given.
     bool FreeEncoder(std::uint32_t handle);
+    /// Ends a record channel.
+    void StopRecording(std::uint32_t handle);
     void FreeEverything();
 
 private:

@@ -45,7 +45,7 @@ public:
     std::uint32_t MinBufferMS() const override { return kMinBufferMS; }
 
 private:
-    using Clock = std::chrono::steady_clock;
+    using Clock = SoundClock;
 
     static constexpr std::uint32_t kMinBufferMS = 20;
     static constexpr std::size_t kPeriodMS = 5;
@@ -66,11 +66,13 @@ private:
             const auto now = Clock::now();
             std::uint64_t wanted = std::min(framesIn(now - start) - asked, framesIn((now - last) * 3 / 2));
             last = now;
+            auto due = start + TimeOfFrames(static_cast<std::int64_t>(asked), rate);
             asked += wanted;
             while (wanted > 0) {
                 const std::size_t frames = std::min<std::uint64_t>(wanted, kBlockFrames);
-                callback(block.data(), frames);
+                callback(block.data(), frames, due);
                 wanted -= frames;
+                due += TimeOfFrames(static_cast<std::int64_t>(frames), rate);
             }
         }
     }

@@ -37,7 +37,9 @@ Output::~Output()
 
 bool Output::Start()
 {
-    return m_device->Start(m_rate, [this](std::int16_t* out, std::size_t frames) { OnDevice(out, frames); });
+    return m_device->Start(m_rate, [this](std::int16_t* out, std::size_t frames, SoundClock::time_point heard) {
+        OnDevice(out, frames, heard);
+    });
 }
 
 bool Output::Playing(const Stream& stream) const
@@ -81,10 +83,15 @@ void Output::SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user)
     m_edits.Flush();
 }
 
-void Output::OnDevice(std::int16_t* out, std::size_t frames)
+void Output::OnDevice(std::int16_t* out, std::size_t frames, SoundClock::time_point heard)
 {
     const MixingThreadMark mark;
     const std::size_t given = m_ring.Read(out, frames);
+    if (given > 0) {
+        m_heard->Add({static_cast<std::int64_t>(m_taken), heard, m_breaks});
+    }
+    m_taken += given;
+    m_breaks += given < frames ? 1 : 0;
     std::fill_n(out + 2 * given, 2 * (frames - given), std::int16_t{0});
     if (given < frames && m_primed.load(std::memory_order_acquire)) {
         m_missed.fetch_add(frames - given, std::memory_order_relaxed);
@@ -148,6 +155,7 @@ void Output::FillRing()
         } else {
             m_ring.Write(m_block.data(), frames);
         }
+        m_mixed.fetch_add(frames, std::memory_order_relaxed);
     }
     m_primed.store(true, std::memory_order_release);
 }

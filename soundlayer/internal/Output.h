@@ -2,6 +2,7 @@
 
 #include "soundlayer/internal/AudioDevice.h"
 #include "soundlayer/internal/MixerStream.h"
+#include "soundlayer/internal/ReadingLog.h"
 #include "soundlayer/internal/SampleRing.h"
 
 #include <atomic>
@@ -40,6 +41,10 @@ public:
     /// Called before each block; waits until the former one is called no more.
     void SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user);
     std::uint64_t MissedFrames() const { return m_missed.load(std::memory_order_relaxed); }
+    /// Frames that went into the ring since the beginning. [RT]
+    std::uint64_t MixedFrames() const { return m_mixed.load(std::memory_order_relaxed); }
+    /// When they were heard; of use beyond this object's life.
+    const std::shared_ptr<ReadingLog>& HeardLog() const { return m_heard; }
 
 private:
     struct Heartbeat {
@@ -47,7 +52,7 @@ private:
         SOUND_USER user = 0;
     };
 
-    void OnDevice(std::int16_t* out, std::size_t frames);
+    void OnDevice(std::int16_t* out, std::size_t frames, SoundClock::time_point heard);
     void Mix();
     void FillRing();
     void SetMixing(bool mixing);
@@ -66,6 +71,11 @@ private:
     std::atomic<std::uint32_t> m_bufferMS{100};
     std::atomic<std::uint32_t> m_periodMS{50};
     std::atomic<std::uint64_t> m_missed{0};
+    std::atomic<std::uint64_t> m_mixed{0};
+    const std::shared_ptr<ReadingLog> m_heard = std::make_shared<ReadingLog>();
+    /// Of the device's thread.
+    std::uint64_t m_taken = 0;
+    std::uint32_t m_breaks = 0;
     std::atomic<bool> m_primed{false};
 
     std::mutex m_mutex;

@@ -50,6 +50,12 @@ std::size_t SampleRing::Read(std::int16_t* interleaved, std::size_t frames)
     return given;
 }
 
+void SampleRing::Skip(std::size_t frames)
+{
+    const std::size_t at = m_read.load(std::memory_order_relaxed);
+    m_read.store(at + std::min(frames, m_written.load(std::memory_order_acquire) - at), std::memory_order_release);
+}
+
 void SampleRing::Clear()
 {
     m_read.store(m_written.load());

@@ -25,6 +25,8 @@ public:
     std::size_t WriteSilence(std::size_t frames);
     /// Gives up to `frames` frames. Reader only. [RT]
     std::size_t Read(std::int16_t* interleaved, std::size_t frames);
+    /// Drops up to `frames` frames. Reader only. [RT]
+    void Skip(std::size_t frames);
     /// Empties the ring. Only while neither side runs.
     void Clear();
 

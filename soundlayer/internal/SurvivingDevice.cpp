@@ -86,7 +86,7 @@ void SurvivingDevice::SetBufferMS(std::uint32_t bufferMS)
     m_wake.notify_all();
 }
 
-void SurvivingDevice::OnCall(Side side, std::int16_t* out, std::size_t frames)
+void SurvivingDevice::OnCall(Side side, std::int16_t* out, std::size_t frames, SoundClock::time_point heard)
 {
     if (side == Side::Device) {
         m_lastCall.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed);
@@ -97,8 +97,15 @@ void SurvivingDevice::OnCall(Side side, std::int16_t* out, std::size_t frames)
         std::fill_n(out, 2 * frames, std::int16_t{0});
         return;
     }
-    m_callback(out, frames);
+    m_callback(out, frames, heard);
     m_calling.store(false, std::memory_order_release);
+}
+
+AudioDevice::Callback SurvivingDevice::CallbackOf(Side side)
+{
+    return [this, side](std::int16_t* out, std::size_t frames, SoundClock::time_point heard) {
+        OnCall(side, out, frames, heard);
+    };
 }
 
 std::unique_ptr<AudioDevice> SurvivingDevice::MakeDevice()
@@ -116,7 +123,7 @@ bool SurvivingDevice::StartDevice(AudioDevice& device)
 {
     m_heard = false;
     m_lastCall = Clock::now().time_since_epoch().count();
-    return device.Start(m_rate, [this](std::int16_t* out, std::size_t frames) { OnCall(Side::Device, out, frames); });
+    return device.Start(m_rate, CallbackOf(Side::Device));
 }
 
 SurvivingDevice::Clock::duration SurvivingDevice::Silence() const
@@ -161,7 +168,7 @@ void SurvivingDevice::Drop(std::unique_lock<std::mutex>& lock)
     if (!m_standIn) {
         m_standIn = m_makeStandIn(std::max(Silence(), Clock::duration::zero()));
         m_turn = Side::StandIn;
-        m_standIn->Start(m_rate, [this](std::int16_t* out, std::size_t frames) { OnCall(Side::StandIn, out, frames); });
+        m_standIn->Start(m_rate, CallbackOf(Side::StandIn));
     }
     device->Stop();
     lock.lock();

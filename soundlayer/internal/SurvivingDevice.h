@@ -50,11 +50,12 @@ public:
     DeviceState State() const override { return m_state.load(std::memory_order_relaxed); }
 
 private:
-    using Clock = std::chrono::steady_clock;
+    using Clock = SoundClock;
     enum class Side : std::uint8_t { Device, StandIn };
 
     /// [RT]
-    void OnCall(Side side, std::int16_t* out, std::size_t frames);
+    void OnCall(Side side, std::int16_t* out, std::size_t frames, SoundClock::time_point heard);
+    Callback CallbackOf(Side side);
     bool StartDevice(AudioDevice& device);
     std::unique_ptr<AudioDevice> MakeDevice();
     Clock::duration Silence() const;

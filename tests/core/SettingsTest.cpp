@@ -49,6 +49,7 @@ TEST(Configuration, IsWrittenToTheByteAndComesBack)
     environment->config.Global_FirstRun = false;
     environment->config.Global_OutputDevice = 3;
     environment->config.EncWMAFormat = {22050, 1, 64000};
+    environment->config.Recording_OffsetMS = -12;
     environment->recent.AddFile("Z:\\a & b.audioproj");
     ASSERT_TRUE(environment->SaveSettings());
     environment->config = {};
@@ -59,6 +60,7 @@ TEST(Configuration, IsWrittenToTheByteAndComesBack)
     EXPECT_EQ(environment->config.Global_OutputDevice, 3);
     EXPECT_EQ(environment->config.EncWMAFormat.freq, 22050);
     EXPECT_EQ(environment->config.EncWMAFormat.bitrate, 64000);
+    EXPECT_EQ(environment->config.Recording_OffsetMS, -12);
     EXPECT_THAT(ListOf(environment->recent), ElementsAre("Z:\\a & b.audioproj"));
 
     environment.files.FillDisk();

@@ -26,7 +26,7 @@ public:
     std::vector<std::int16_t> Ask(std::size_t frames)
     {
         std::vector<std::int16_t> block(2 * frames);
-        m_callback(block.data(), frames);
+        m_callback(block.data(), frames, SoundClock::now());
         return block;
     }
 

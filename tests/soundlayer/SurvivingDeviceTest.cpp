@@ -47,7 +47,7 @@ public:
         ++m_script.running;
         if (!m_standIn && m_script.callsBack) {
             std::int16_t frame[2];
-            callback(frame, 1);
+            callback(frame, 1, SoundClock::now());
         }
         const std::lock_guard lock(m_script.mutex);
         m_script.callbacks.push_back(std::move(callback));
@@ -88,7 +88,7 @@ protected:
     }
     bool Start(SurvivingDevice& device)
     {
-        return device.Start(44'100, [this](std::int16_t* out, std::size_t frames) {
+        return device.Start(44'100, [this](std::int16_t* out, std::size_t frames, SoundClock::time_point) {
             std::fill_n(out, 2 * frames, std::int16_t{1});
             m_given += frames;
         });
@@ -98,7 +98,7 @@ protected:
     {
         const std::lock_guard lock(m_script.mutex);
         std::int16_t frames[4] = {9, 9, 9, 9};
-        m_script.callbacks.at(index)(frames, 2);
+        m_script.callbacks.at(index)(frames, 2, SoundClock::now());
         EXPECT_NE(frames[3], 9) << "sound or silence, but no rest";
         return frames[3] == 1;
     }

@@ -1,0 +1,278 @@
+#include "soundlayer/internal/Capture.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora::soundlayer {
+
+namespace {
+constexpr std::chrono::milliseconds kLook{100};
+constexpr std::uint32_t kNewestMS = 1000;
+/// What stays ready for a hearer, so that a block that comes a little late is not missed.
+constexpr std::uint32_t kHearingSlackMS = 5;
+constexpr std::size_t kSilentPiece = 4096;
+} // namespace
+
+Capture::Capture(std::unique_ptr<CaptureDevice> device, std::uint32_t rate, std::shared_ptr<const ReadingLog> heard,
+                 std::uint32_t heardRate, Times times)
+    : m_device(std::move(device))
+    , m_rate(rate)
+    , m_heardLog(std::move(heard))
+    , m_times(times)
+    , m_newest(std::size_t{rate} * kNewestMS / 1000, 2)
+    , m_history(std::size_t{kHistorySeconds} * rate)
+    , m_guard(rate)
+    , m_heard(heardRate, FrameTimes::Fit::Median)
+{
+}
+
+bool Capture::Start()
+{
+    const auto format = m_device->Open(m_rate);
+    if (!format || !FormatConverter::Takes(*format)) {
+        return false;
+    }
+    m_format = *format;
+    m_converter = std::make_unique<FormatConverter>(m_format, AudioFormat{m_rate, 2});
+    m_feed = std::make_unique<CaptureFeed>(m_format);
+    m_sounded.emplace(m_format.rate, FrameTimes::Fit::Earliest);
+    m_nextHeard = m_heardLog ? m_heardLog->Count() : 0;
+    m_started = SoundClock::now();
+    m_lastArrival = m_started;
+    const auto lost = [this] {
+        m_lost = true;
+        m_feed->Wake();
+    };
+    if (!m_device->Start([this](const CaptureBlock& block) { return m_feed->Put(block); }, lost)) {
+        m_device->Stop();
+        return false;
+    }
+    m_thread = std::thread([this] { Run(); });
+    return true;
+}
+
+void Capture::Stop()
+{
+    if (!m_thread.joinable()) {
+        return;
+    }
+    m_device->Stop();
+    m_ending = true;
+    m_feed->Wake();
+    m_thread.join();
+    const std::lock_guard lock(m_mutex);
+    Collect();
+    SettleDoubt(true);
+    Store(m_converter->Flush());
+}
+
+bool Capture::InputSilent() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_guard.Silent();
+}
+
+bool Capture::InputClipped() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_guard.Clipped();
+}
+
+std::size_t Capture::Ready() const
+{
+    return m_newest.Filled();
+}
+
+std::size_t Capture::Hear(std::int16_t* interleaved, std::size_t frames)
+{
+    const std::size_t ready = m_newest.Filled();
+    if (!m_hearing || ready == m_newest.Capacity()) {
+        // A full ring holds what is old.
+        m_newest.Skip(m_hearing || ready == m_newest.Capacity() ? ready : ready - std::min(ready, frames));
+        m_hearing = true;
+    }
+    const std::size_t given = m_newest.Read(interleaved, frames);
+    m_leastLeft = std::min(m_leastLeft, m_newest.Filled());
+    m_sinceSkip += frames;
+    if (m_sinceSkip >= m_rate / 2) {
+        const std::size_t slack = std::size_t{m_rate} * kHearingSlackMS / 1000;
+        m_newest.Skip(m_leastLeft - std::min(m_leastLeft, slack));
+        m_leastLeft = m_newest.Capacity();
+        m_sinceSkip = 0;
+    }
+    return given;
+}
+
+std::int64_t Capture::FrameBefore(std::chrono::milliseconds back)
+{
+    const std::lock_guard lock(m_mutex);
+    Collect();
+    m_keepFrom = std::max(m_history.First(), m_history.End() - back.count() * m_rate / 1000);
+    return *m_keepFrom;
+}
+
+std::size_t Capture::Read(std::int64_t from, std::int16_t* interleaved, std::size_t frames, bool& lost)
+{
+    const std::lock_guard lock(m_mutex);
+    Collect();
+    if (from >= m_history.First()) {
+        const std::size_t given = m_history.Read(from, interleaved, frames);
+        m_keepFrom = from + static_cast<std::int64_t>(given);
+        return given;
+    }
+    lost = true;
+    const auto missing = std::min(frames, static_cast<std::size_t>(m_history.First() - from));
+    std::fill_n(interleaved, 2 * missing, std::int16_t{0});
+    return missing;
+}
+
+std::optional<SoundClock::duration> Capture::OffsetOf(std::int64_t frame, std::int64_t mixed)
+{
+    const std::lock_guard lock(m_mutex);
+    Collect();
+    const auto sounded = m_sounded->TimeOf(frame * m_format.rate / m_rate);
+    const auto heard = m_heard.TimeOf(mixed);
+    if (!sounded || !heard) {
+        return {};
+    }
+    return *heard - *sounded;
+}
+
+void Capture::Run()
+{
+    while (!m_ending) {
+        m_feed->Wait(kLook);
+        const std::lock_guard lock(m_mutex);
+        Collect();
+        StandIn();
+    }
+}
+
+bool Capture::HasRoom() const
+{
+    return !m_keepFrom || m_history.End() - *m_keepFrom < std::int64_t{kHistorySeconds - 1} * m_rate;
+}
+
+void Capture::Collect()
+{
+    const bool lost = m_lost;
+    Block block;
+    while (HasRoom() && m_feed->Take(block.arrival, block.samples)) {
+        Arrive(std::exchange(block, {}));
+    }
+    if (lost && State() != CaptureState::Lost) {
+        SettleDoubt(true);
+        m_state = CaptureState::Lost;
+    }
+    if (m_heardLog) {
+        for (const Reading& reading : m_heardLog->TakeFrom(m_nextHeard)) {
+            m_heard.Add(reading);
+        }
+    }
+}
+
+void Capture::Arrive(Block block)
+{
+    m_lastArrival = SoundClock::now();
+    const CaptureFeed::Arrival& arrival = block.arrival;
+    const auto frames = static_cast<std::int64_t>(arrival.lost + arrival.frames);
+    if (std::exchange(m_standingIn, false)) {
+        // Silence was put up to some time ago, or a little beyond where this block begins.
+        m_state = CaptureState::Delivering;
+        const std::int64_t missing = FramesIn(Lateness(frames, arrival.end));
+        const auto twice = static_cast<std::size_t>(std::clamp<std::int64_t>(-missing, 0, frames - arrival.lost));
+        block.samples.erase(block.samples.begin(),
+                            block.samples.begin() + static_cast<std::ptrdiff_t>(twice * m_format.channels));
+        block.arrival.frames -= twice;
+        AppendSilence(missing);
+        Append(block);
+        return;
+    }
+    const auto late = Lateness(m_doubtfulFrames + frames, arrival.end);
+    m_doubtful.push_back(std::move(block));
+    m_doubtfulFrames += frames;
+    if (late <= m_times.late) {
+        SettleDoubt(true);
+    } else if (m_doubtful.back().arrival.end - m_doubtful.front().arrival.end >= m_times.doubt) {
+        SettleDoubt(false);
+    }
+}
+
+void Capture::SettleDoubt(bool noGap)
+{
+    auto gap = noGap ? SoundClock::duration::zero() : SoundClock::duration::max();
+    std::int64_t frames = 0;
+    for (const Block& block : m_doubtful) {
+        frames += static_cast<std::int64_t>(block.arrival.lost + block.arrival.frames);
+        gap = std::min(gap, Lateness(frames, block.arrival.end));
+    }
+    if (!noGap) {
+        AppendSilence(FramesIn(gap));
+    }
+    for (const Block& block : m_doubtful) {
+        Append(block);
+    }
+    m_doubtful.clear();
+    m_doubtfulFrames = 0;
+}
+
+void Capture::StandIn()
+{
+    const auto now = SoundClock::now();
+    if (State() == CaptureState::Lost || now - m_lastArrival < m_times.patience) {
+        return;
+    }
+    SettleDoubt(true);
+    m_standingIn = true;
+    m_state = CaptureState::Silent;
+    const auto begin = m_sounded->NewestTimeOf(0);
+    if (!begin) {
+        m_sounded->Add({0, m_started, 0});
+    }
+    AppendSilence(FramesIn(now - begin.value_or(m_started)) - m_frames);
+}
+
+void Capture::Append(const Block& block)
+{
+    AppendSilence(static_cast<std::int64_t>(block.arrival.lost));
+    Store(m_converter->Convert(block.samples));
+    m_frames += static_cast<std::int64_t>(block.arrival.frames);
+    m_sounded->Add({m_frames, block.arrival.end, 0});
+}
+
+void Capture::AppendSilence(std::int64_t frames)
+{
+    if (frames <= 0) {
+        return;
+    }
+    m_gapFrames.fetch_add(static_cast<std::uint64_t>(frames * m_rate / m_format.rate), std::memory_order_relaxed);
+    m_frames += frames;
+    const std::vector<std::int16_t> zeros(kSilentPiece * m_format.channels);
+    while (frames > 0) {
+        const std::int64_t piece = std::min<std::int64_t>(frames, kSilentPiece);
+        Store(m_converter->Convert(std::span(zeros).first(static_cast<std::size_t>(piece) * m_format.channels)));
+        frames -= piece;
+    }
+}
+
+void Capture::Store(std::span<const std::int16_t> stereo)
+{
+    m_history.Append(stereo);
+    m_guard.Look(stereo);
+    m_newest.Write(stereo.data(), stereo.size() / 2);
+}
+
+SoundClock::duration Capture::Lateness(std::int64_t frames, SoundClock::time_point end) const
+{
+    const auto expected = m_sounded->NewestTimeOf(m_frames + frames);
+    return expected ? end - *expected : SoundClock::duration::zero();
+}
+
+std::int64_t Capture::FramesIn(SoundClock::duration time) const
+{
+    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(time).count();
+    const std::int64_t seconds = ns / 1'000'000'000;
+    return seconds * m_format.rate + (ns - seconds * 1'000'000'000) * m_format.rate / 1'000'000'000;
+}
+
+} // namespace velmora::soundlayer
