@@ -28,6 +28,22 @@ QRect Rect(const Box& box)
     return {box.left, box.top, box.width, box.height};
 }
 
+/// A caption whose letters stand close under its upper edge.
+class Caption final : public QLabel {
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        constexpr double kCapitals = 8;
+        QPainter painter(this);
+        painter.setFont(theme::Font(11));
+        painter.setPen(theme::Text2);
+        controls::DrawLine(painter, QRectF(0, 0, width(), kCapitals), Qt::AlignLeft, text());
+    }
+};
+
 } // namespace
 
 MainPanel::MainPanel(QWidget* parent)
@@ -38,7 +54,7 @@ MainPanel::MainPanel(QWidget* parent)
     , MusicFrame(new controls::MusicFrame_UserCtrl(this))
     , VoiceFrame(new controls::VoiceFrame_UserCtrl(this))
     , Pic_MasterVol(new controls::MasterPanel(this))
-    , Label2(new QLabel("Overview", this))
+    , Label2(new Caption("Overview", this))
     , EventsSmallView(Reserve("EventsSmallView", theme::Ground))
     , EventsEditor(Reserve("EventsEditor", theme::Ground))
 {
@@ -47,10 +63,6 @@ MainPanel::MainPanel(QWidget* parent)
     MarksCombo->setGeometry(kMarksPlace);
     MarksCombo->setToolTip("Marks");
     MarksCombo->setAccessibleName("Marks");
-    QPalette quiet = Label2->palette();
-    quiet.setColor(QPalette::WindowText, theme::Text2);
-    Label2->setPalette(quiet);
-    Label2->setFont(theme::Font(11));
 }
 
 QWidget* MainPanel::Reserve(const char* name, const QColor& ground)

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Installs the Debian packages that a script needs, if any is missing: install-packages.sh build|test|bench|package
+# Installs the Debian packages that a script needs, if any is missing: install-packages.sh build|test|bench|package|screenshots
 set -euo pipefail
 
 build=(g++ cmake ninja-build ccache pkg-config python3 libavformat-dev libavcodec-dev libavutil-dev libsoxr-dev
@@ -9,14 +9,16 @@ test=("${build[@]}" sox ffmpeg python3-numpy pulseaudio pulseaudio-utils clang-f
     fonts-dejavu-core)
 bench=("${test[@]}" ecasound)
 package=("${build[@]}" file dpkg-dev)
+screenshots=("${build[@]}" xvfb openbox xdotool imagemagick fonts-inter fonts-dejavu-core)
 
 case "${1:-}" in
 build) wanted=("${build[@]}") ;;
 test) wanted=("${test[@]}") ;;
 bench) wanted=("${bench[@]}") ;;
 package) wanted=("${package[@]}") ;;
+screenshots) wanted=("${screenshots[@]}") ;;
 *)
-    echo "usage: $0 build|test|bench|package" >&2
+    echo "usage: $0 build|test|bench|package|screenshots" >&2
     exit 2
     ;;
 esac

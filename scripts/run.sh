@@ -1,13 +1,20 @@
 #!/bin/bash
-# Builds Velmora and mixes a project to a sound file, without a display; nothing is played.
-#   run.sh                          the Welcome project to build/Welcome.wav
-#   run.sh OUT [OPTION...]          the Welcome project to OUT
-#   run.sh PROJECT OUT [OPTION...]  another project
-# Options are those of velmora-render, as are the endings of OUT: .wav and .wma.
+# Builds Velmora and shows it, or mixes a project to a sound file.
+#   run.sh                          the window with the Welcome project; without a display, its mix in build/Welcome.wav
+#   run.sh OUT [OPTION...]          mixes the Welcome project to OUT
+#   run.sh PROJECT OUT [OPTION...]  mixes another project
+# Mixing plays nothing. Options are those of velmora-render, as are the endings of OUT: .wav and .wma.
 set -euo pipefail
 start=$PWD
 cd "$(dirname "$0")/.."
 
+if (($# == 0)) && [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
+    scripts/build.sh release velmora
+    # A copy, which may be played with.
+    mkdir -p build/Welcome
+    cp -rn resources/examples/Welcome* build/Welcome
+    exec build/release/bin/velmora "build/Welcome/Welcome (Bar style).audioproj"
+fi
 scripts/build.sh release velmora-render
 
 project="$PWD/resources/examples/Welcome (Bar style).audioproj"

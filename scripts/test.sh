@@ -24,7 +24,7 @@ fi
 
 step "Address and undefined behaviour sanitizers"
 scripts/build.sh asan-ubsan
-run asan-ubsan -L 'unit|golden'
+run asan-ubsan -L 'unit|golden|ui'
 
 step "Thread sanitizer"
 scripts/build.sh tsan
