@@ -147,7 +147,7 @@ void EffectList::TakePlaces(bool fade) const
         }
     }
     for (const Entry& entry : m_entries) {
-        if (!entry.leaving && !RunsSomewhere(*entry.slot)) {
+        if (!entry.leaving && !entry.Runs() && !RunsSomewhere(*entry.slot)) {
             entry.slot->m_place.store(entry.id, std::memory_order_relaxed);
             entry.slot->m_faded = 0;
         }
@@ -212,7 +212,7 @@ bool EffectList::Process(std::int16_t* samples, std::size_t frames, std::uint32_
 void EffectList::Run(float* left, float* right, std::size_t frames) const
 {
     // Effects that neither fade in nor out wait in a row for one that does, or for the end.
-    std::array<Effect*, 8> row{};
+    std::array<Effect*, 32> row{};
     std::size_t waiting = 0;
     const auto runRow = [&] {
         for (std::size_t done = 0; done < waiting;) {
