@@ -1,0 +1,182 @@
+#!/usr/bin/env python3
+"""A user's first hour, with a real window, real keys and a sound server of its own: start, play, mark,
+save, reopen, export, quit. VELMORA is the program, VELMORA_SERVER scripts/audio-server.sh; pictures of each step go to
+the folder VELMORA_SHOTS. Needs xvfb, openbox, xdotool, imagemagick and pulseaudio-utils."""
+
+import array
+import os
+import re
+import shutil
+import subprocess
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+PROGRAM = os.environ["VELMORA"]
+SERVER = os.environ["VELMORA_SERVER"]
+SHOTS = Path(os.environ["VELMORA_SHOTS"])
+# In the File menu, from its first entry.
+SAVE_AS = ["Down"] * 3 + ["Return"]
+EXPORT_WAVE = ["Down"] * 6 + ["Right", "Down", "Return"]
+
+
+def read_wave(path):
+    """Left samples of a file, whose header need not be final."""
+    data = Path(path).read_bytes()
+    form = data.find(b"fmt ")
+    channels = int.from_bytes(data[form + 10:form + 12], "little")
+    start = data.find(b"data", form) + 8
+    samples = array.array("h", data[start:start + (len(data) - start) // 2 * 2])
+    return samples[::channels]
+
+
+class Walk(unittest.TestCase):
+    def setUp(self):
+        self.folder = Path(tempfile.mkdtemp(prefix="velmora-walk-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.home = self.folder / "home"
+        SHOTS.mkdir(parents=True, exist_ok=True)
+        self.shots = 0
+
+        subprocess.run([SERVER, "start", self.folder], check=True, stdout=subprocess.DEVNULL)
+        self.addCleanup(subprocess.run, [SERVER, "stop", self.folder], check=True)
+        reading, writing = os.pipe()
+        self.begin(["Xvfb", "-displayfd", str(writing), "-screen", "0", "1400x900x24", "-nolisten", "tcp"],
+                   pass_fds=[writing], stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as display:
+            number = display.readline().strip()
+        self.environment = {
+            "DISPLAY": ":" + number, "HOME": str(self.home), "PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8",
+            "XDG_RUNTIME_DIR": str(self.folder), "PULSE_SERVER": f"unix:{self.folder}/pulse.sock",
+            "NO_AT_BRIDGE": "1",
+        }
+        self.folder.chmod(0o700)
+        self.begin(["openbox"], env=self.environment, stderr=subprocess.DEVNULL)
+        self.wait("the window manager", lambda: "_NET_SUPPORTING_WM_CHECK" in self.ask("xprop", "-root"))
+
+    def begin(self, command, **options):
+        """A program that ends with the test at the latest."""
+        process = subprocess.Popen(command, **options)
+
+        def end():
+            process.kill()
+            process.wait()
+        self.addCleanup(end)
+        return process
+
+    def ask(self, *command):
+        return subprocess.run(command, env=self.environment, capture_output=True, text=True, check=False).stdout
+
+    def wait(self, what, happened, seconds=30):
+        until = time.monotonic() + seconds
+        while not happened():
+            if time.monotonic() > until:
+                self.shot("late")
+                self.fail(f"{what} did not come; the window in front is '{self.title()}'; {self.said()} {self.program.poll()}")
+            time.sleep(0.05)
+
+    def shot(self, name):
+        self.shots += 1
+        subprocess.run(["import", "-window", "root", SHOTS / f"{self.shots:02}-{name}.png"], env=self.environment,
+                       check=True)
+
+    def title(self):
+        return self.ask("xdotool", "getactivewindow", "getwindowname").rstrip("\n")
+
+    def wait_title(self, wanted):
+        """Waits for a window in front with this title, a pattern, and for it to be painted."""
+        self.wait(f"a window '{wanted}'", lambda: re.fullmatch(wanted, self.title()))
+        time.sleep(0.3)
+
+    def keys(self, *names):
+        for name in names:
+            subprocess.run(["xdotool", "key", "--delay", "30", name], env=self.environment, check=True)
+
+    def enter(self, text):
+        subprocess.run(["xdotool", "key", "ctrl+a"], env=self.environment, check=True)
+        subprocess.run(["xdotool", "type", "--delay", "5", text], env=self.environment, check=True)
+        self.keys("Return")
+
+    def start(self, *arguments):
+        self.said_file = open(self.folder / "said", "a+", encoding="utf-8")
+        self.addCleanup(self.said_file.close)
+        self.program = self.begin([PROGRAM, *arguments], env=self.environment, stderr=self.said_file)
+
+    def said(self):
+        return "it said: " + (self.folder / "said").read_text() if (self.folder / "said").exists() else ""
+
+    def wait_end(self):
+        self.wait("the end of the program", lambda: self.program.poll() is not None)
+        self.assertEqual(self.program.returncode, 0)
+
+    def heard(self, seconds=1.5):
+        """What goes to the ears for some time."""
+        file = self.folder / "heard.wav"
+        with subprocess.Popen(["parec", "--device=velmora_out.monitor", "--file-format=wav", "--channels=1", file],
+                              env=self.environment) as listening:
+            time.sleep(seconds)
+            listening.terminate()
+        return read_wave(file)
+
+    def test_first_hour(self):
+        self.start()
+        self.wait_title("Velmora")
+        self.shot("first-question")
+        self.keys("alt+n")
+        self.wait_title(r"Velmora \[.*Welcome \(Bar style\)\.audioproj\]")
+        self.shot("welcome")
+        self.keys("p")
+        self.assertGreater(max(self.heard(2)), 1000, "playing is heard")
+        self.shot("playing")
+        self.keys("p")
+        self.wait("silence", lambda: max(self.heard(0.5), default=0) == 0)
+
+        self.keys("ctrl+m")
+        self.wait_title("Add mark.*")
+        self.shot("add-mark")
+        self.enter("Here")
+        self.wait_title(r"Velmora \[.*Welcome.*")
+        self.keys("alt+f", *SAVE_AS)
+        self.wait_title("Save.*")
+        self.shot("save")
+        saved = self.folder / "My song.audioproj"
+        self.enter(str(saved))
+        self.wait_title(rf"Velmora \[{saved}\]")
+        self.assertIn("<Title>str: Here<", saved.read_text())
+        self.keys("alt+F4")
+        self.wait_end()
+
+        self.start(str(saved))
+        self.wait_title(rf"Velmora \[{saved}\]")
+        self.shot("reopened")
+        self.keys("p")
+        self.assertGreater(max(self.heard(2)), 1000)
+        self.keys("p")
+        mix = self.folder / "song.wav"
+        self.keys("alt+f", *EXPORT_WAVE)
+        self.wait_title("(Export|Save).*")
+        self.enter(str(mix))
+        self.wait_title("Export project")
+        self.shot("exported")
+        self.keys("Return")
+        self.wait_title(rf"Velmora \[{saved}\]")
+        self.assertGreater(max(read_wave(mix)), 1000)
+
+        before = saved.read_bytes()
+        self.keys("ctrl+m")
+        self.wait_title("Add mark.*")
+        self.enter("Never saved")
+        self.wait_title(rf"Velmora \[{saved}\]")
+        self.keys("alt+F4")
+        self.wait_title("Velmora")
+        self.shot("save-question")
+        self.keys("alt+n")
+        self.wait_end()
+        self.assertEqual(saved.read_bytes(), before)
+        self.assertEqual((self.folder / "said").read_text(), "")
+
+
+if __name__ == "__main__":
+    unittest.main()
