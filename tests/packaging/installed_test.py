@@ -62,7 +62,8 @@ class Installed(unittest.TestCase):
             said = running.stderr.read()
         self.assertTrue(opened.exists(), said)
         self.assertIsNone(ended, said)
-        self.assertEqual(said, "")
+        # The platform without a display says this of each window of fixed size.
+        self.assertEqual(said.replace("This plugin does not support propagateSizeHints()\n", ""), "")
 
     def test_own_libraries_come_from_the_installation(self):
         for program in (self.prefix / "bin").iterdir():
@@ -75,7 +76,7 @@ class Installed(unittest.TestCase):
     def test_program_files_are_there_and_nothing_else(self):
         files = {str(path.relative_to(self.prefix / "share/velmora")) for path in self.files("share/velmora")}
         self.assertTrue({"paths.cfg", "sounds/hihat.wav"} <= files, files)
-        stray = [name for name in files if name.endswith((".py", ".pyc", ".qrc", ".dat")) or Path(name).name.startswith(".")]
+        stray = [name for name in files if re.search(r"\.(py|pyc|qrc|dat)$|(^|/)\.", name)]
         self.assertEqual(stray, [])
         self.assertTrue((self.prefix / "share/man/man1/velmora-render.1").exists())
 

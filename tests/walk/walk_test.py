@@ -38,6 +38,7 @@ class Walk(unittest.TestCase):
         self.home = self.folder / "home"
         SHOTS.mkdir(parents=True, exist_ok=True)
         self.shots = 0
+        self.program = None
 
         subprocess.run([SERVER, "start", self.folder], check=True, stdout=subprocess.DEVNULL)
         self.addCleanup(subprocess.run, [SERVER, "stop", self.folder], check=True)
@@ -74,7 +75,8 @@ class Walk(unittest.TestCase):
         while not happened():
             if time.monotonic() > until:
                 self.shot("late")
-                self.fail(f"{what} did not come; the window in front is '{self.title()}'; {self.said()} {self.program.poll()}")
+                self.fail(f"{what} did not come; in front is '{self.title()}'; {self.said()}; it ended with "
+                          f"{self.program and self.program.poll()}")
             time.sleep(0.05)
 
     def shot(self, name):
