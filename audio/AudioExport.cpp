@@ -114,6 +114,7 @@ AudioExport::Ending AudioExport::Export()
     params.PlayFromMS = core::kUnset;
     Send(core::Msg_Player_SetRange, params);
 
+    const FreshEffects fresh(m_project, master);
     // What glides since the last change of a volume comes to rest before the first frame of the file.
     const bool sounds = master.Pull(core::FrameOfMS(kSettleMS, rate));
     if (!file.Begin()) {

@@ -87,6 +87,11 @@ void FX_ChainContainer_Class::Restart(const std::function<void()>& change)
     Release(sounding);
 }
 
+void FX_ChainContainer_Class::Bypass(bool bypassed)
+{
+    Restart([&] { m_bypassed = bypassed; });
+}
+
 void FX_ChainContainer_Class::Begin(Sounding& sounding)
 {
     m_startedChannels = TotalChannels();
@@ -103,13 +108,13 @@ void FX_ChainContainer_Class::Begin(Sounding& sounding)
     }
 }
 
-void FX_ChainContainer_Class::AttachEffects(FX_Chain_Class& chain, Sounding& sounding)
+void FX_ChainContainer_Class::AttachEffects(FX_Chain_Class& chain, Sounding& sounding) const
 {
     std::vector<FxItem*> fresh;
     std::vector<FX_Place> kept;
     for (FxItem& item : chain.m_items) {
         const auto before = sounding.items.find(item.FxID);
-        if (!item.Enable) {
+        if (!item.Enable || m_bypassed) {
             continue;
         }
         if (before == sounding.items.end() || before->second.AttachedType != item.FxDataOBJ->FxType()) {

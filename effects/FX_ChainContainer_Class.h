@@ -53,6 +53,8 @@ public:
     /// and kind, sounds on with its tail, and nobody else notices. Chains that work on copies of the input lose their
     /// tails with the copies.
     void Restart(const std::function<void()>& change);
+    /// Takes all effects off the stream, and puts them on it anew, without what they had in memory.
+    void Bypass(bool bypassed);
 
     std::string GetXMLData() const { return GetSharedXML().Text(); }
     persistence::SharedText GetSharedXML() const;
@@ -82,7 +84,7 @@ private:
     void Begin(Sounding& sounding);
     static void Release(const Sounding& sounding);
     void StartCopies();
-    static void AttachEffects(FX_Chain_Class& chain, Sounding& sounding);
+    void AttachEffects(FX_Chain_Class& chain, Sounding& sounding) const;
     std::optional<ChainList> ReadChains(std::string_view xml, bool assignNewIDs) const;
     void TakeChains(Chains chains, core::ClassID id);
 
@@ -90,6 +92,7 @@ private:
     core::ClassID m_classID;
     std::int32_t m_startedChannels = core::kUnset;
     Chains m_chains;
+    bool m_bypassed = false;
 };
 
 } // namespace velmora::effects

@@ -1,9 +1,11 @@
 #include "audio/internal/ExportGuards.h"
 
 #include "audio/AudioPlayer_Class.h"
+#include "audio/internal/OfflineMaster.h"
 #include "core/MsgIds.h"
 #include "core/TextUtilities.h"
 #include "core/Units.h"
+#include "effects/FX_ChainContainer_Class.h"
 #include "engine/audioplayer.h"
 #include "project/Channel_Class.h"
 #include "project/ProjectFile_Class.h"
@@ -17,6 +19,8 @@ namespace {
 constexpr std::int32_t kNoSender = -1;
 constexpr std::int32_t kMeterPriority = 100;
 constexpr std::int32_t kMeterRange = 40;
+/// Longer than effects take to leave a stream.
+constexpr std::int64_t kForgetMS = 20;
 
 } // namespace
 
@@ -77,6 +81,32 @@ AutoStopPause::AutoStopPause(project::ProjectFile_Class& project)
 AutoStopPause::~AutoStopPause()
 {
     m_project.Player->Cursor.AutoStopEnabled = true;
+}
+
+FreshEffects::FreshEffects(project::ProjectFile_Class& project, OfflineMaster& master)
+    : m_project(project)
+    , m_master(master)
+{
+    Forget();
+}
+
+FreshEffects::~FreshEffects()
+{
+    Forget();
+}
+
+void FreshEffects::Forget()
+{
+    for (const bool bypassed : {true, false}) {
+        for (std::int32_t i = 0; i < m_project.Chn_GetChannelClass_TotalN(); ++i) {
+            if (const project::Channel_Class* channel = m_project.Chn_GetChannelObj_by_Index(i)) {
+                channel->FX->Bypass(bypassed);
+            }
+        }
+        if (bypassed) {
+            m_master.Pull(core::FrameOfMS(kForgetMS, m_project.Environment().config.BassDevice_Freq));
+        }
+    }
 }
 
 MeteredStream::MeteredStream(std::uint32_t stream)

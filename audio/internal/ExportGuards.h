@@ -8,6 +8,9 @@
 namespace velmora::project {
 class ProjectFile_Class;
 }
+namespace velmora::audio {
+class OfflineMaster;
+}
 
 /// What long work changes around itself. Each puts its part back when it goes, also when a receiver has failed.
 namespace velmora::audio {
@@ -64,6 +67,22 @@ public:
 
 private:
     project::ProjectFile_Class& m_project;
+};
+
+/// Effects begin a mix without a memory of what sounded before it, and go on after it without one of the mix.
+class FreshEffects {
+public:
+    FreshEffects(project::ProjectFile_Class& project, OfflineMaster& master);
+    ~FreshEffects();
+    FreshEffects(const FreshEffects&) = delete;
+    FreshEffects& operator=(const FreshEffects&) = delete;
+
+private:
+    /// Between taking effects off and putting them on again, what they had in memory fades away unheard.
+    void Forget();
+
+    project::ProjectFile_Class& m_project;
+    OfflineMaster& m_master;
 };
 
 /// The level of a stream, metered.
