@@ -50,8 +50,31 @@ def main():
         "ecasound": (peers.ecasound_command(project, converted, out(work, "ecasound")), b""),
     }, rounds)
     compare_mixes(project, folder, work)
+    compare_effects(render, project, folder, converted, work, rounds)
     measure_memory(render, work)
     compare_loads(os.path.join(programs, "velmora-load-bench"), folder, work, rounds)
+
+
+def compare_effects(render, project, folder, converted, work, rounds):
+    """The same mix with a full chain on each voice channel and an echo on a music channel."""
+    song = os.path.join(work, "effects.audioproj")
+    project = bench_project.with_effects(project, song)
+    link_audio(folder, song)
+    compare_mixers({
+        OURS: ([render, song, out(work, OURS)], b""),
+        OURS + ", 1 thread": ([render, "--threads", "1", song, out(work, OURS)], b""),
+        **{f"ecasound, linear, {name}": (peers.ecasound_command(project, converted, out(work, "ecasound"),
+                                                                "resample-lq", reverb=reverb), b"")
+           for name, reverb in (("TAP reverb", "tap"), ("C* plate", "plate"))},
+    }, {}, rounds)
+
+
+def link_audio(folder, song):
+    """The files of `folder` also in the audio folder of `song`."""
+    into = audio_folder(song)
+    for name in os.listdir(folder):
+        if not os.path.exists(os.path.join(into, name)):
+            os.link(os.path.join(folder, name), os.path.join(into, name))
 
 
 def machine():
@@ -115,10 +138,7 @@ def compare_loads(loader, folder, work, rounds):
                       chance.randint(2000, 90000), gain=round(chance.uniform(0.1, 2), 4),
                       fade_in=chance.randint(1, 900), title=f"Take {i} & more") for i in range(count)]
         paths[count] = os.path.join(work, f"load {count}.audioproj")
-        into = audio_folder(paths[count])
-        for name in names:
-            if not os.path.exists(os.path.join(into, name)):
-                os.link(os.path.join(folder, name), os.path.join(into, name))
+        link_audio(folder, paths[count])
         Project([Channel(clips[i::10]) for i in range(10)]).write(paths[count])
     # Several within one process, so that the start of the program does not hide the ratio; the best of all, since
     # single loads are so short that whatever else the machine does shows.

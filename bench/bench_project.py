@@ -1,7 +1,8 @@
-"""The project that the mixers are compared on: 10 channels, 98 clips, 10 minutes; WAV, MP3 and WMA at 44.1 and 48 kHz,
+"""The projects that the mixers are compared on: 10 channels, 98 clips, 10 minutes; WAV, MP3 and WMA at 44.1 and 48 kHz,
 mono and stereo; gains, fades, volumes and pans. Clips of one channel never overlap, which the peers' best form needs.
 """
 
+import dataclasses
 import os
 import random
 import sys
@@ -9,7 +10,7 @@ import sys
 import numpy as np
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "render"))
-from velmora_project import Channel, Clip, Project, UNSET, audio_folder, synthesize, write_audio  # noqa: E402
+from velmora_project import Channel, Clip, Effect, Project, UNSET, audio_folder, synthesize, write_audio  # noqa: E402
 
 CLIPS = [10] * 8 + [9] * 2
 FILE_SECONDS = 180
@@ -36,6 +37,25 @@ def make(path):
     project = Project(_channels([name for name, _, _ in names]))
     project.write(path)
     return project
+
+
+# Gains in dB at the centres of the graphic equalizer.
+GAINS = [-4, 2, -3, 3, 2, -2, 4]
+COMPRESSOR = {"fGain": 3, "fAttack": 5, "fRelease": 150, "fThreshold": -20, "fRatio": 3}
+REVERB = {"finGain": 0, "fReverbMix": -12, "fReverbTime": 1500, "fHighFreqRTRatio": 0.5}
+ECHO = {"fWetDryMix": 30, "fFeedback": 40, "fLeftDelay": 350, "fRightDelay": 400}
+
+
+def with_effects(project, path):
+    """The same clips at `path`, a full chain on each voice channel and an echo on the first music channel."""
+    chain = [Effect("Graphic EQ", {f"freq{i + 1}": gain for i, gain in enumerate(GAINS)}),
+             Effect("Compressor", COMPRESSOR), Effect("Reverb", REVERB)]
+    music = next(channel for channel in project.channels if channel.music)
+    channels = [dataclasses.replace(channel, effects=[Effect("Echo", ECHO)] if channel is music else
+                                    [] if channel.music else chain) for channel in project.channels]
+    effects = Project(channels)
+    effects.write(path)
+    return effects
 
 
 def long_files(path, minutes):
@@ -70,7 +90,7 @@ def _channels(names):
                               fade_out=length - chance.randint(200, 4000) if faded else UNSET))
             turn += 1
         turn += 1  # so that a channel does not repeat the order of the one before
-        channels.append(Channel(clips, title=f"Channel {index + 1}", music=index < 6,
+        channels.append(Channel(clips, title=f"Channel {index + 1}", music=index >= 8,
                                 volume=chance.randint(40, 100), pan=chance.choice([0, -40, 25, 60, -15])))
     # The timeline ends exactly at 10 minutes.
     last = channels[0].clips[-1]

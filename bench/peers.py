@@ -1,6 +1,7 @@
 """The same mix as command lines of other programs, each in the fastest form that we found for it."""
 
 import functools
+import math
 import os
 
 import velmora_project
@@ -68,12 +69,15 @@ def ecasound_files(folder, into):
     return ["sh", "-c", convert]
 
 
-def ecasound_command(project, folder, out, resampler="resample", buffer=1024):
-    """One chain per clip, which carries all factors of its clip and of its channel multiplied beforehand."""
+def ecasound_command(project, folder, out, resampler="resample", buffer=1024, reverb="tap"):
+    """One chain per clip, which carries all factors of its clip and, where that has no effects, of its channel
+    multiplied beforehand. The clips of a channel with effects meet in a loop, which a chain of plugins reads."""
     command = ["ecasound", "-q", "-D", f"-b:{buffer}", "-z:nodb", "-z:mixmode,sum", f"-f:s16_le,2,{RATE}"]
     chains = []
-    for channel in project.channels:
-        left, right = pan_factors(channel)
+    outputs = []
+    for number, channel in enumerate(project.channels):
+        left, right = (1, 1) if channel.effects else pan_factors(channel)
+        into = []
         for clip in channel.clips:
             name = clip.file + ".wav" if clip.file.endswith(".wma") else clip.file
             path = os.path.join(folder, name)
@@ -86,6 +90,7 @@ def ecasound_command(project, folder, out, resampler="resample", buffer=1024):
             source = f"playat,{clip.time / 1000},select,{clip.start / 1000},{clip.length / 1000},{source}"
             chain = f"c{len(chains)}"
             chains.append(chain)
+            into.append(chain)
             command += [f"-a:{chain}", f"-i:{source}"]
             if channels == 1:
                 command.append("-chcopy:1,2")
@@ -97,4 +102,42 @@ def ecasound_command(project, folder, out, resampler="resample", buffer=1024):
             if clip.fade_out > 0:
                 command += ["-ea:100",
                             f"-kl2:1,100,0,{start + clip.fade_out / 1000},{(clip.length - clip.fade_out) / 1000}"]
-    return command + [f"-a:{','.join(chains)}", f"-o:{out}"]
+        if channel.effects:
+            loop = f"loop,{number + 1}"
+            command += [f"-a:{','.join(into)}", f"-o:{loop}", f"-a:m{number}", f"-i:{loop}"]
+            command += [plugin for effect in channel.effects for plugin in PLUGINS[effect.kind](effect.values, reverb)]
+            command += [f"-eac:{100 * factor},{side}" for side, factor in enumerate(pan_factors(channel), 1)]
+            outputs.append(f"m{number}")
+        else:
+            outputs += into
+    return command + [f"-a:{','.join(outputs)}", f"-o:{out}"]
+
+
+def equalizer(values, _reverb):
+    """Seven bands of the same centres and widths, and the eighth that the plugin has, flat."""
+    gains = [values[f"freq{i + 1}"] for i in range(len(BANDS))] + [0]
+    centres = [centre for centre, _ in BANDS] + [18000]
+    widths = [semitones / 12 for _, semitones in BANDS] + [1]
+    return ["-el:tap_equalizer_bw," + ",".join(f"{value:g}" for value in gains + centres + widths)]
+
+
+def compressor(values, _reverb):
+    return [f"-el:sc4,0,{values['fAttack']},{values['fRelease']},{values['fThreshold']},{values['fRatio']},1,"
+            f"{values['fGain']}"]
+
+
+def reverberation(values, reverb):
+    """Of two plugins: one of many combs and allpasses, and a cheap one, a plate."""
+    if reverb == "tap":
+        return [f"-el:tap_reverb,{values['fReverbTime']},0,{values['fReverbMix']},1,1,1,1,0"]
+    return ["-el:PlateX2,0.75,0.5,0.25,0.25"]
+
+
+def echo(values, _reverb):
+    return [f"-el:tap_stereo_echo,{values['fLeftDelay']},{values['fFeedback']},{values['fRightDelay']},"
+            f"{values['fFeedback']},{20 * math.log10(values['fWetDryMix'] / 100):.2f},0,0,0,0,0"]
+
+
+# Centre in Hz and width in semitones, as the program's graphic equalizer has them.
+BANDS = [(80, 6), (200, 12), (600, 12), (2000, 13), (4600, 9), (8200, 6), (16000, 9)]
+PLUGINS = {"Graphic EQ": equalizer, "Compressor": compressor, "Reverb": reverberation, "Echo": echo}

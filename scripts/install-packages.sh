@@ -7,7 +7,7 @@ build=(g++ cmake ninja-build ccache pkg-config python3 libavformat-dev libavcode
     qt6-base-dev qt6-svg-dev libfreetype-dev)
 test=("${build[@]}" sox ffmpeg python3-numpy pulseaudio pulseaudio-utils clang-format clang-tidy fonts-inter
     fonts-dejavu-core xvfb openbox xdotool x11-utils imagemagick)
-bench=("${test[@]}" ecasound)
+bench=("${test[@]}" ecasound tap-plugins swh-plugins caps)
 package=("${build[@]}" file dpkg-dev)
 screenshots=("${build[@]}" xvfb openbox xdotool imagemagick fonts-inter fonts-dejavu-core)
 
