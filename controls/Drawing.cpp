@@ -32,34 +32,40 @@ private:
 double WidestDigit(const QFontMetricsF& metrics)
 {
     double widest = 0;
-    for (char digit = '0'; digit <= '9'; ++digit)
+    for (char digit = '0'; digit <= '9'; ++digit) {
         widest = std::max(widest, metrics.horizontalAdvance(QLatin1Char(digit)));
+    }
     return widest;
 }
 
 double CellWidth(QChar letter, const QFontMetricsF& metrics, double digitCell, double pointCell)
 {
-    if (letter.isDigit())
+    if (letter.isDigit()) {
         return digitCell;
-    if (letter == QLatin1Char(':') || letter == QLatin1Char('.'))
+    }
+    if (letter == QLatin1Char(':') || letter == QLatin1Char('.')) {
         return pointCell;
+    }
     return metrics.horizontalAdvance(letter);
 }
 
 double CellsWidth(const QString& text, const QFontMetricsF& metrics, double digitCell, double pointCell)
 {
     double width = 0;
-    for (const QChar letter : text)
+    for (const QChar letter : text) {
         width += CellWidth(letter, metrics, digitCell, pointCell);
+    }
     return width;
 }
 
 double LeftOf(const QRectF& rect, Qt::Alignment alignment, double width)
 {
-    if (alignment & Qt::AlignRight)
+    if (alignment & Qt::AlignRight) {
         return rect.right() - width;
-    if (alignment & Qt::AlignHCenter)
+    }
+    if (alignment & Qt::AlignHCenter) {
         return rect.center().x() - width / 2;
+    }
     return rect.left();
 }
 
@@ -131,7 +137,7 @@ void OutlineRound(QPainter& painter, const QRectF& rect, double radius, const QC
 {
     const RestoredPainter restored(painter);
     const PixelGrid grid(painter);
-    const double snapped = width * grid.Hairline();
+    const double snapped = width > 1 ? Snap(width, grid.Scale()) : grid.Hairline();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(colour, snapped));

@@ -42,7 +42,7 @@ private:
 void FillSharp(QPainter& painter, const QRectF& rect, const QColor& colour);
 /// Fills with round corners, edges snapped.
 void FillRound(QPainter& painter, const QRectF& rect, double radius, const QColor& colour);
-/// A line of `width` logical pixels just inside `rect`.
+/// A line just inside `rect`: a hairline, or of more than 1 logical pixel.
 void OutlineRound(QPainter& painter, const QRectF& rect, double radius, const QColor& colour, double width = 1);
 /// Ground of a raised control: its fill and the light line on its upper edge.
 void DrawRaised(QPainter& painter, const QRectF& rect, const QColor& ground, bool lightLine = true);

@@ -56,8 +56,9 @@ QPixmap Render(const Key& key, const QColor& colour)
                                                                                       : "1.5";
     source.replace("stroke-width=\"1.5\"", QByteArray("stroke-width=\"").append(stroke).append('"'));
     QSvgRenderer renderer(source);
-    if (!renderer.isValid())
+    if (!renderer.isValid()) {
         return {};
+    }
     const int pixels = static_cast<int>(std::lround(key.size * key.scale));
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -81,8 +82,9 @@ QPixmap IconPixmap(const QString& name, const QColor& colour, double size, doubl
     static QHash<Key, QPixmap> made;
     const Key key{name, colour.rgba(), size, scale};
     auto found = made.find(key);
-    if (found == made.end())
+    if (found == made.end()) {
         found = made.insert(key, Render(key, colour));
+    }
     ASSERT(!found->isNull());
     return *found;
 }
@@ -106,8 +108,9 @@ QIcon MakeIcon(const QString& name, int size)
 QIcon ProgramIcon()
 {
     QIcon icon;
-    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+    for (const int size : {16, 24, 32, 48, 64, 128, 256}) {
         icon.addPixmap(IconPixmap(QStringLiteral("velmora"), theme::Text, size, 1));
+    }
     return icon;
 }
 

@@ -3,8 +3,8 @@
 #include "controls/Accessibility.h"
 #include "controls/Drawing.h"
 #include "controls/FocusRing.h"
-#include "controls/Icons.h"
 #include "controls/Theme.h"
+#include "controls/internal/LookParts.h"
 #include "controls/internal/TextRendering.h"
 
 #include <QApplication>
@@ -20,123 +20,11 @@ namespace velmora::controls {
 namespace {
 
 constexpr int kMenuRow = 22;
-constexpr int kMenuSeparator = 7;
-constexpr int kMenuTextLeft = 23; ///< in a row, which is 5 px inside the menu
-constexpr int kMenuTextRight = 7;
-constexpr int kShortcutGap = 24;
-constexpr int kMenuIcon = 12;
-constexpr int kArrow = 16;
 constexpr int kMenuBarPadding = 9;
 constexpr int kFieldPadding = 7; ///< a field adds 2 of its own
 constexpr int kCheckBox = 14;
-
-bool Is(const QStyleOption* option, QStyle::StateFlag flag)
-{
-    return option->state & flag;
-}
-
-/// Text of a menu's row and its shortcut, which a tab parts.
-std::pair<QString, QString> RowTexts(const QString& text)
-{
-    const qsizetype tab = text.indexOf(QLatin1Char('\t'));
-    return tab < 0 ? std::pair(text, QString()) : std::pair(text.left(tab), text.mid(tab + 1));
-}
-
-/// Without the marks of the access keys.
-QString Plain(QString text)
-{
-    text.replace(QStringLiteral("&&"), QString(QChar::Null));
-    text.remove(QLatin1Char('&'));
-    return text.replace(QChar::Null, QLatin1Char('&'));
-}
-
-void DrawMenuRow(const QStyleOptionMenuItem& row, QPainter& painter)
-{
-    const QRectF rect(row.rect);
-    if (row.menuItemType == QStyleOptionMenuItem::Separator) {
-        QColor line = theme::Mark;
-        line.setAlphaF(0.5F);
-        const PixelGrid grid(painter);
-        FillSharp(painter, grid.HairlineAlong({rect.left() + 5, rect.top() + 3, rect.width() - 10, 1}), line);
-        return;
-    }
-    const bool enabled = Is(&row, QStyle::State_Enabled);
-    const bool chosen = enabled && Is(&row, QStyle::State_Selected);
-    if (chosen)
-        FillRound(painter, rect, theme::kRadius, theme::Accent);
-    const QColor ink = chosen ? theme::AccentInk : enabled ? theme::Text : theme::Text3;
-    const QColor quietInk = chosen ? theme::AccentInk : enabled ? theme::Text2 : theme::Text3;
-    if (row.checkType != QStyleOptionMenuItem::NotCheckable && row.checked)
-        DrawIcon(painter, QStringLiteral("check"), {rect.left() + 6, rect.top() + (rect.height() - kMenuIcon) / 2},
-                 kMenuIcon, ink);
-    if (row.menuItemType == QStyleOptionMenuItem::SubMenu)
-        DrawIcon(painter, QStringLiteral("right"),
-                 {rect.right() - kMenuTextRight - kMenuIcon, rect.top() + (rect.height() - kArrow) / 2}, kArrow,
-                 quietInk);
-    const auto [text, shortcut] = RowTexts(row.text);
-    painter.setFont(theme::Font(12));
-    painter.setPen(ink);
-    const QRectF textRect = rect.adjusted(kMenuTextLeft, 0, -kMenuTextRight, 0);
-    DrawLine(painter, textRect, Qt::AlignLeft, Plain(text));
-    painter.setFont(theme::Font(11));
-    painter.setPen(quietInk);
-    DrawLine(painter, textRect, Qt::AlignRight, shortcut);
-}
-
-void DrawMenuBarItem(const QStyleOptionMenuItem& item, QPainter& painter)
-{
-    const QRectF rect(item.rect);
-    painter.fillRect(rect, theme::Deck);
-    if (Is(&item, QStyle::State_Enabled) && (Is(&item, QStyle::State_Selected) || Is(&item, QStyle::State_Sunken)))
-        FillRound(painter, rect.adjusted(0, 2, 0, -2), theme::kRadius, theme::Raised);
-    painter.setFont(theme::Font(12));
-    painter.setPen(Is(&item, QStyle::State_Enabled) ? theme::Text : theme::Text3);
-    DrawLine(painter, rect, Qt::AlignHCenter, Plain(item.text));
-}
-
-void DrawPushButton(const QStyleOptionButton& button, QPainter& painter)
-{
-    const QRectF rect(button.rect);
-    const bool enabled = Is(&button, QStyle::State_Enabled);
-    const bool sunken = Is(&button, QStyle::State_Sunken);
-    const bool hover = Is(&button, QStyle::State_MouseOver);
-    const bool isDefault = button.features & QStyleOptionButton::DefaultButton;
-    if (!enabled)
-        OutlineRound(painter, rect, theme::kRadius, theme::Line);
-    else if (isDefault)
-        FillRound(painter, rect, theme::kRadius, sunken ? theme::AccentLo : hover ? theme::AccentHi : theme::Accent);
-    else
-        DrawRaised(painter, rect, sunken ? theme::Pressed : hover ? theme::Hover : theme::Raised, !sunken);
-    painter.setFont(theme::Font(12, isDefault ? QFont::DemiBold : QFont::Medium));
-    painter.setPen(!enabled ? theme::Text3 : isDefault ? theme::AccentInk : theme::Text);
-    DrawElided(painter, rect.adjusted(6, sunken ? 1 : 0, -6, sunken ? 1 : 0), Qt::AlignHCenter, Plain(button.text));
-}
-
-void DrawCheckBox(const QStyleOption& option, QPainter& painter, bool round)
-{
-    const QRectF box(option.rect);
-    const bool enabled = Is(&option, QStyle::State_Enabled);
-    const bool hover = enabled && Is(&option, QStyle::State_MouseOver);
-    const bool sunken = enabled && Is(&option, QStyle::State_Sunken);
-    const double radius = round ? box.height() / 2 : theme::kSmallRadius;
-    if (Is(&option, QStyle::State_On)) {
-        FillRound(painter, box, radius, !enabled ? theme::Text3 : hover ? theme::AccentHi : theme::Accent);
-        if (round)
-            FillRound(painter, box.adjusted(4, 4, -4, -4), 3, theme::AccentInk);
-        else
-            DrawIcon(painter, QStringLiteral("check"), box.topLeft(), box.width(), theme::AccentInk);
-        return;
-    }
-    if (hover || sunken)
-        FillRound(painter, box, radius, sunken ? theme::Pressed : theme::Hover);
-    OutlineRound(painter, box, radius, enabled ? theme::Mark : theme::Text3);
-}
-
-void DrawMenuGround(const QRect& rect, QPainter& painter)
-{
-    FillRound(painter, rect, theme::kMenuRadius, theme::Raised);
-    OutlineRound(painter, rect, theme::kMenuRadius, theme::Mark);
-}
+constexpr int kScrollBar = 12;
+constexpr int kLeastThumb = 24;
 
 } // namespace
 
@@ -162,8 +50,9 @@ void LookStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         OutlineRound(*painter, option->rect, theme::kRadius, theme::Mark);
         return;
     case PE_PanelLineEdit:
-        if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option); frame && frame->lineWidth > 0)
+        if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option); frame && frame->lineWidth > 0) {
             FillRound(*painter, option->rect, theme::kRadius, theme::Well);
+        }
         return;
     case PE_IndicatorCheckBox:
     case PE_IndicatorItemViewItemCheck:
@@ -182,24 +71,77 @@ void LookStyle::drawControl(ControlElement element, const QStyleOption* option, 
 {
     switch (element) {
     case CE_MenuItem:
-        if (const auto* row = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
+        if (const auto* row = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
             DrawMenuRow(*row, *painter);
+        }
         return;
     case CE_MenuEmptyArea:
         return;
     case CE_MenuBarItem:
-        if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
+        if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
             DrawMenuBarItem(*item, *painter);
+        }
         return;
     case CE_MenuBarEmptyArea:
         painter->fillRect(option->rect, theme::Deck);
         return;
     case CE_PushButton:
-        if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option))
+        if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
             DrawPushButton(*button, *painter);
+        }
+        return;
+    case CE_ProgressBar:
+        if (const auto* bar = qstyleoption_cast<const QStyleOptionProgressBar*>(option)) {
+            DrawProgressBar(*bar, *painter);
+        }
         return;
     default:
         QProxyStyle::drawControl(element, option, painter, widget);
+    }
+}
+
+void LookStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                                   const QWidget* widget) const
+{
+    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control == CC_ScrollBar && bar) {
+        DrawScrollBar(*bar, subControlRect(control, option, SC_ScrollBarSlider, widget), *painter);
+        return;
+    }
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+QRect LookStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                const QWidget* widget) const
+{
+    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control != CC_ScrollBar || !bar) {
+        return QProxyStyle::subControlRect(control, option, part, widget);
+    }
+    // All of the bar is lane; there are no arrows.
+    const bool across = bar->orientation == Qt::Horizontal;
+    const QRect lane = bar->rect.adjusted(across ? 2 : 0, across ? 0 : 2, across ? -2 : 0, across ? 0 : -2);
+    const int length = across ? lane.width() : lane.height();
+    const double range = static_cast<double>(bar->maximum) - bar->minimum + bar->pageStep;
+    const int thumb = std::clamp(static_cast<int>(length * bar->pageStep / std::max(range, 1.0)),
+                                 std::min(kLeastThumb, length), length);
+    const int at =
+        sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - thumb, bar->upsideDown);
+    const QRect slider = across ? QRect(lane.left() + at, lane.top(), thumb, lane.height())
+                                : QRect(lane.left(), lane.top() + at, lane.width(), thumb);
+    switch (part) {
+    case SC_ScrollBarGroove:
+        return lane;
+    case SC_ScrollBarSlider:
+        return slider;
+    case SC_ScrollBarSubPage:
+        return across ? QRect(lane.topLeft(), QPoint(slider.left() - 1, lane.bottom()))
+                      : QRect(lane.topLeft(), QPoint(lane.right(), slider.top() - 1));
+    case SC_ScrollBarAddPage:
+        return across ? QRect(QPoint(slider.right() + 1, lane.top()), lane.bottomRight())
+                      : QRect(QPoint(lane.left(), slider.bottom() + 1), lane.bottomRight());
+    default:
+        return {};
     }
 }
 
@@ -213,7 +155,6 @@ int LookStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
     case PM_MenuVMargin:
         return 5;
     case PM_SubMenuOverlap:
-        return 0;
     case PM_MenuBarPanelWidth:
     case PM_MenuBarItemSpacing:
     case PM_MenuBarVMargin:
@@ -229,6 +170,10 @@ int LookStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
         return kCheckBox;
     case PM_CheckBoxLabelSpacing:
         return 8;
+    case PM_ScrollBarExtent:
+        return kScrollBar;
+    case PM_ScrollBarSliderMin:
+        return kLeastThumb;
     case PM_ButtonShiftHorizontal:
     case PM_ButtonShiftVertical:
         return 0;
@@ -261,18 +206,9 @@ QSize LookStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
     switch (type) {
     case CT_MenuItem:
         if (const auto* row = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
-            if (row->menuItemType == QStyleOptionMenuItem::Separator)
-                return {1, kMenuSeparator}; // a row without width would be left out
-            const auto [text, shortcut] = RowTexts(row->text);
-            const double right = !shortcut.isEmpty()
-                                     ? kShortcutGap + QFontMetricsF(theme::Font(11)).horizontalAdvance(shortcut)
-                                 : row->menuItemType == QStyleOptionMenuItem::SubMenu ? kShortcutGap
-                                                                                      : kMenuTextRight;
-            const double width = QFontMetricsF(theme::Font(12)).horizontalAdvance(Plain(text));
-            // A list of a combo asks for rows of its own height.
-            const QVariant rowHeight = widget ? widget->property("rowHeight") : QVariant();
-            return {static_cast<int>(kMenuTextLeft + width + right + kMenuTextRight + 1),
-                    rowHeight.isValid() ? rowHeight.toInt() : kMenuRow};
+            // The list of a combo asks for rows of its own height.
+            const QVariant height = widget ? widget->property("rowHeight") : QVariant();
+            return MenuRowSize(*row, height.isValid() ? height.toInt() : kMenuRow);
         }
         break;
     case CT_MenuBarItem:
@@ -289,8 +225,9 @@ QSize LookStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
 
 QRect LookStyle::subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const
 {
-    if (element == SE_LineEditContents)
+    if (element == SE_LineEditContents) {
         return option->rect.adjusted(kFieldPadding, 0, -kFieldPadding, 0);
+    }
     return QProxyStyle::subElementRect(element, option, widget);
 }
 
@@ -314,8 +251,9 @@ void InstallLook(QApplication& application)
     QApplication::setStyle(new LookStyle);
     QApplication::setPalette(theme::Palette());
     application.setFont(theme::Font(12));
-    for (const char* name : {"QMenu", "QMenuBar", "QLabel", "QCheckBox", "QRadioButton", "QPushButton", "QListView"})
+    for (const char* name : {"QMenu", "QMenuBar", "QLabel", "QCheckBox", "QRadioButton", "QPushButton", "QListView"}) {
         QApplication::setFont(theme::Font(12), name);
+    }
     QApplication::setFont(theme::Font(11), "QLineEdit");
     QToolTip::setFont(theme::Font(11));
     QToolTip::setPalette(theme::Palette());

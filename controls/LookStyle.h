@@ -6,7 +6,8 @@ class QApplication;
 
 namespace velmora::controls {
 
-/// The look of Qt's own widgets, over Fusion: menus, menu bar, tool tips, fields, check boxes, buttons of dialogs.
+/// The look of Qt's own widgets, over Fusion: menus, menu bar, tool tips, fields, check boxes, progress and
+/// scroll bars, buttons of dialogs.
 class LookStyle : public QProxyStyle {
 public:
     LookStyle();
@@ -15,6 +16,10 @@ public:
                        const QWidget* widget) const override;
     void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                         const QWidget* widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* returned) const override;

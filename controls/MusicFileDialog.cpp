@@ -6,7 +6,7 @@ namespace velmora::controls {
 
 std::optional<std::string> AskForMusicFile(core::Environment& environment)
 {
-    const auto file = environment.ports.fileDialogs.Open("Load music file", {{"Audio files", "*.mp3;*.wav;*.wma"},
+    auto file = environment.ports.fileDialogs.Open("Load music file", {{"Audio files", "*.mp3;*.wav;*.wma"},
                                                                              {"MP3 files", "*.mp3"},
                                                                              {"Wave files", "*.wav"},
                                                                              {"Windows media audio files", "*.wma"},

@@ -36,8 +36,9 @@ QPalette Palette()
     palette.setColor(QPalette::Mid, Line);
     palette.setColor(QPalette::Dark, Ground);
     palette.setColor(QPalette::Shadow, Well);
-    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         palette.setColor(QPalette::Disabled, role, Text3);
+    }
     palette.setColor(QPalette::Disabled, QPalette::Highlight, Raised);
     palette.setColor(QPalette::Disabled, QPalette::HighlightedText, Text3);
     return palette;

@@ -16,6 +16,8 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QProgressBar>
+#include <QScrollBar>
 #include <QToolTip>
 
 /// Writes pictures of every control in every state and of the mixer: controls_gallery FOLDER. QT_SCALE_FACTOR sets the
@@ -203,6 +205,40 @@ private:
     QList<std::pair<int, QString>> m_captions;
 };
 
+/// The default button and another one, progress, scroll bar.
+class Dialog : public QWidget {
+public:
+    Dialog()
+    {
+        setFixedSize(388, 150);
+        auto* ok = new QPushButton("OK", this);
+        ok->setDefault(true);
+        ok->setGeometry(0, 0, 96, 26);
+        auto* cancel = new QPushButton("Cancel", this);
+        cancel->setGeometry(104, 0, 80, 26);
+        auto* progress = new QProgressBar(this);
+        progress->setGeometry(0, 40, 348, 12);
+        progress->setValue(64);
+        auto* bar = new QScrollBar(Qt::Horizontal, this);
+        bar->setGeometry(0, 60, 348, 16);
+        bar->setPageStep(30);
+        bar->setValue(40);
+        auto* mute = new QCheckBox("Mute", this);
+        mute->move(0, 90);
+    }
+};
+
+QPixmap ToolTip()
+{
+    QToolTip::showText({}, "Jump back 5 seconds (B)");
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->inherits("QTipLabel")) {
+            return window->grab();
+        }
+    }
+    return {};
+}
+
 QPixmap Menu()
 {
     QMenu menu;
@@ -232,6 +268,9 @@ bool WriteControls(const QString& path)
     QPainter painter(&picture);
     page.PaintRings(painter);
     painter.drawPixmap(860, 554, Menu());
+    painter.drawPixmap(1064, 564, ToolTip());
+    Dialog dialog;
+    painter.drawPixmap(1064, 610, dialog.grab());
     painter.end();
     return picture.save(path);
 }
