@@ -4,6 +4,7 @@
 #include "audio/AudioExport.h"
 #include "audio/AudioPlayer_Class.h"
 #include "audio/Metronome_Class.h"
+#include "controls/RenameChannel.h"
 #include "core/BassHelpers.h"
 #include "core/ImportAudioFile.h"
 #include "core/MsgIds.h"
@@ -139,16 +140,7 @@ void Commands::DeleteChannel(core::ClassID channel)
 
 void Commands::ChangeChannelName(core::ClassID channel)
 {
-    const auto name = m_environment.ports.input.Ask(
-        "Change name", "Insert the channel's name:", Project().util_GetChannelTitle(channel));
-    if (!name || name->empty() || !Project().util_ChannelExists(channel)) {
-        return;
-    }
-    Project().Undo->AddUndo("change name", project::kUndoChannel, channel);
-    core::MsgParametersClass params;
-    params.ChannelID = channel;
-    params.Text = *name;
-    Send(core::Msg_Channel_SetTitle, params);
+    controls::RenameChannel(Project(), channel, m_sender);
 }
 
 std::string Commands::AddMarkToolbarTitle() const

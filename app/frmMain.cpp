@@ -7,6 +7,7 @@
 #include "app/QtText.h"
 #include "app/ShownText.h"
 #include "app/frmCompressProject.h"
+#include "app/frmEvEd_LoadMusicFile.h"
 #include "app/frmExportAudio.h"
 #include "controls/ChannelFrame.h"
 #include "controls/Combo.h"
@@ -87,6 +88,11 @@ frmMain::frmMain(core::Environment& environment, std::function<void(std::string)
             [this](int volume) { m_commands.SetMasterVolume(volume); });
     connect(m_panel->Pic_MasterVol, &controls::MasterPanel::MuteChosen, this,
             [this](bool mute) { m_commands.SetMasterMute(mute); });
+    m_panel->MusicFrame->Presenter().SetPlaceQuestion([this](core::ClassID channel, const std::string& /*path*/) {
+        frmEvEd_LoadMusicFile dialog(m_commands.Project(), channel, this);
+        dialog.exec();
+        return dialog.Position();
+    });
     QApplication::instance()->installEventFilter(this);
 }
 

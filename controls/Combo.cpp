@@ -38,9 +38,12 @@ void Combo::SetItems(const QStringList& items)
 void Combo::SetText(const QString& text)
 {
     m_text = text;
+    update();
+    if (itemText(currentIndex()) == text) {
+        return; // one of several alike
+    }
     const int exact = findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive);
     setCurrentIndex(exact >= 0 ? exact : findText(text, Qt::MatchFixedString));
-    update();
 }
 
 void Combo::SetEmptyText(const QString& text)

@@ -7,10 +7,10 @@ namespace velmora::controls {
 std::optional<std::string> AskForMusicFile(core::Environment& environment)
 {
     auto file = environment.ports.fileDialogs.Open("Load music file", {{"Audio files", "*.mp3;*.wav;*.wma"},
-                                                                             {"MP3 files", "*.mp3"},
-                                                                             {"Wave files", "*.wav"},
-                                                                             {"Windows media audio files", "*.wma"},
-                                                                             {"All files", "*.*"}});
+                                                                       {"MP3 files", "*.mp3"},
+                                                                       {"Wave files", "*.wav"},
+                                                                       {"Windows media audio files", "*.wma"},
+                                                                       {"All files", "*.*"}});
     if (!file || file->empty()) {
         return std::nullopt;
     }

@@ -1,6 +1,7 @@
 #include "controls/StripPresenter.h"
 
 #include "controls/MusicFileDialog.h"
+#include "controls/RenameChannel.h"
 #include "core/MsgIds.h"
 #include "core/MsgSenderClass.h"
 #include "project/ChannelDataClass.h"
@@ -131,21 +132,9 @@ std::vector<ChannelEntry> StripPresenter::MoreChannels() const
 
 void StripPresenter::Rename()
 {
-    if (!Channel()) {
-        return;
+    if (Channel()) {
+        RenameChannel(*m_project, m_selected, m_classID);
     }
-    const core::ClassID id = m_selected;
-    const auto title =
-        m_project->Environment().ports.input.Ask("Change name", "Insert the channel's name:", Channel()->Title);
-    // The box lets time pass.
-    if (!title || title->empty() || !m_project || !m_project->util_ChannelExists(id)) {
-        return;
-    }
-    m_project->Undo->AddUndo("change name", project::kUndoChannel, id);
-    core::MsgParametersClass params;
-    params.ChannelID = id;
-    params.Text = *title;
-    Send(core::Msg_Channel_SetTitle, params);
 }
 
 void StripPresenter::SetupFX()
