@@ -124,6 +124,7 @@ bool ProjectCompression::ConvertAll()
     for (std::size_t i = 0; i < m_takes.size(); ++i) {
         Take& take = m_takes[i];
         m_progress.ShowFile(i + 1, m_takes.size(), take.name, take.newName);
+        m_progress.Update(0, doneBytes / std::max(m_allBytes, 1.0));
         m_environment.ports.pendingEvents.Run();
         take.converted = ConvertFile(take, doneBytes);
         if (m_cancelled) {
