@@ -85,6 +85,8 @@ AudioExport::Ending AudioExport::Export()
     if (!known || FilePath.empty() || SampleRate <= 0 || Channels <= 0 || Channels > kMostChannels) {
         return {Outcome::Failed, "frmExportAudio::StartExport\nInvalid parameters"};
     }
+    // A take that ends brings a clip more.
+    m_project.util_StopIfPlayingOrRecording();
     std::vector<ExportClip> clips = Clips();
     if (OverwritesSource(clips)) {
         return {Outcome::Failed, "The file is used by the project:\n" + FilePath + "\nChoose another name.",
@@ -93,9 +95,6 @@ AudioExport::Ending AudioExport::Export()
 
     const LockedInterface locked(m_project);
     core::MsgParametersClass params;
-    if (player_IsPlaying() != 0) {
-        Send(core::Msg_Player_Stop, params);
-    }
     LiveMonitoringPause monitoring(m_project);
     monitoring.Begin();
     const AutoStopPause autoStop(m_project);

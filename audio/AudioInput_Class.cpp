@@ -259,6 +259,9 @@ bool AudioInput_Class::OpenFile()
 
 void AudioInput_Class::Align()
 {
+    if (m_encoderHandle == 0) {
+        return;
+    }
     std::uint64_t mixed = 0;
     double seconds = 0;
     std::int32_t position = m_positionMS;

@@ -60,6 +60,8 @@ public:
     /// How far into the file, in ms, lies what sounded when the take's start was heard, `Recording_OffsetMS` included.
     /// Known after `EndCapture`; where playback never started, that is a guess.
     std::int32_t FileStartMS() const;
+    /// Brings `FileStartMS` up to what is known by now, while the file grows.
+    void Align();
     std::uint32_t OutStream() const { return m_outStream; }
     const std::string& LastErrorMessage() const { return m_lastErrorMessage; }
 
@@ -77,7 +79,6 @@ private:
     void WaitForData();
     bool OpenStream();
     bool OpenFile();
-    void Align();
     void FreeDevice();
     bool Fail(std::string message);
     void Note();

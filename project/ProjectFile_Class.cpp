@@ -49,6 +49,9 @@ ProjectFile_Class::ProjectFile_Class(core::Environment& environment)
 ProjectFile_Class::~ProjectFile_Class()
 {
     Player.reset();
+    if (Recorder) {
+        Recorder->Close();
+    }
     while (!m_setupForms.empty()) {
         FX_CloseSetupForm(*m_setupForms.begin());
     }
@@ -120,6 +123,7 @@ void ProjectFile_Class::MsgHandler_MsgReceived(std::int32_t MsgID, core::MsgPara
         break;
     }
     case core::Msg_DeleteChannel:
+        Recorder->ChannelGoes(Params.ChannelID);
         for (core::ClassID* selected : {&m_selectedMusic, &m_selectedVoice}) {
             *selected = *selected == Params.ChannelID ? core::kUnsetFloat : *selected;
         }

@@ -9,6 +9,7 @@
 #include "project/Channel_Class.h"
 #include "project/ProjectFile_Class.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace velmora::project {
@@ -35,7 +36,8 @@ void EventPlacement::AddWave(core::MsgParametersClass& params)
     }
     auto event = std::make_shared<CDC_Event_Wave_Class>();
     event->FilePath = params.FilePath;
-    event->StartMS = params.FileStartMS;
+    // A take that was over before its latency had passed has no length.
+    event->StartMS = std::min(params.FileStartMS, lengthMS);
     event->EndMS = lengthMS;
     event->Title = params.EventTitle.empty() ? core::FileNameOfPath(params.FilePath) : params.EventTitle;
     if (params.OverwriteEvents) {

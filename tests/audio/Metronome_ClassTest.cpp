@@ -62,17 +62,5 @@ TEST_F(Metronome, SettingsComeBackWithTheSameBytes)
     EXPECT_FALSE(BASS_StreamFree(stream)) << "freed already";
 }
 
-TEST_F(Metronome, RecordersCounterIsKeptInTheProject)
-{
-    Recorder_Class& recorder = *m_project->Recorder;
-    const std::string text = "<Recorder_Class>\r\n  <recordCounter>int: 12</recordCounter>\r\n</Recorder_Class>\r\n";
-    ASSERT_TRUE(recorder.LoadXMLData(text));
-    EXPECT_EQ(recorder.GetXMLData(), text);
-    EXPECT_FALSE(recorder.LoadXMLData(""));
-    EXPECT_EQ(recorder.recordCounter(), 12);
-    ASSERT_TRUE(recorder.LoadXMLData("<Recorder_Class></Recorder_Class>"));
-    EXPECT_EQ(recorder.recordCounter(), 1);
-}
-
 } // namespace
 } // namespace velmora::audio

@@ -36,13 +36,18 @@ public:
     std::optional<core::DriveKind> driveKind;
     std::optional<double> freeBytes;
     std::optional<bool> sameDrive;
+    /// Files that are there besides those below.
+    std::function<bool(std::string_view path)> alsoThere;
 
     /// Operations so far, failed ones included.
     std::int64_t Count() const { return m_count; }
     /// Those that changed the disk, as "WriteText Z:\...", for checking their order.
     const std::vector<std::string>& Changes() const { return m_changes; }
 
-    bool FileExists(std::string_view Path) const override { return m_below.FileExists(Path); }
+    bool FileExists(std::string_view Path) const override
+    {
+        return m_below.FileExists(Path) || (alsoThere && alsoThere(Path));
+    }
     bool FolderExists(std::string_view Path) const override { return m_below.FolderExists(Path); }
     bool MakeFolderIfMissing(std::string_view Path) override;
     bool WriteTextFile(std::string_view Path, std::string_view Text) override;
