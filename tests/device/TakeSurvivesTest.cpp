@@ -1,0 +1,212 @@
+#include "audio/AudioPlayer_Class.h"
+#include "audio/Recorder_Class.h"
+#include "core/BassHelpers.h"
+#include "core/Paths.h"
+#include "core/ProgramFolders.h"
+#include "soundlayer/soundlayer.h"
+#include "tests/audio/SoundFixture.h"
+#include "tests/device/AudioServer.h"
+#include "tests/project/ProjectFixture.h"
+#include "tests/support/FileSizeLimit.h"
+
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace velmora::project {
+namespace {
+
+using ::testing::HasSubstr;
+using namespace std::chrono_literals;
+
+/// The helper program, recording into `folder`.
+class OtherProgram {
+public:
+    explicit OtherProgram(const testing::TemporaryFolder& folder)
+        : m_output(folder.Posix() / "take-recorder.txt")
+    {
+        std::string program = VELMORA_TAKE_RECORDER;
+        std::string argument = folder.Posix().native();
+        const std::array<char*, 3> arguments{program.data(), argument.data(), nullptr};
+        posix_spawn_file_actions_t files;
+        posix_spawn_file_actions_init(&files);
+        posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, m_output.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600);
+        EXPECT_EQ(posix_spawn(&m_process, program.c_str(), &files, nullptr, arguments.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&files);
+    }
+    ~OtherProgram() { Kill(); }
+    OtherProgram(const OtherProgram&) = delete;
+    OtherProgram& operator=(const OtherProgram&) = delete;
+
+    void Kill()
+    {
+        if (m_process != 0) {
+            ::kill(m_process, SIGKILL);
+            waitpid(m_process, nullptr, 0);
+            m_process = 0;
+        }
+    }
+
+    struct Report {
+        std::string path;
+        std::int64_t ms = -1;
+        std::int64_t bytes = 0;
+    };
+    /// The last that it has told in whole.
+    Report Told() const
+    {
+        std::ifstream file(m_output);
+        Report report;
+        std::getline(file, report.path);
+        for (std::string line; std::getline(file, line) && !file.eof();) {
+            report.ms = std::stoll(line);
+            report.bytes = std::stoll(line.substr(line.find(' ')));
+        }
+        return report;
+    }
+
+private:
+    std::filesystem::path m_output;
+    pid_t m_process = 0;
+};
+
+int Kills()
+{
+    const char* wanted = std::getenv("VELMORA_KILLS");
+    return wanted ? std::atoi(wanted) : 3;
+}
+
+/// Whatever moment a kill comes at, what was written is offered by the next start.
+TEST(TakeSurvives, AKillAtAnyMoment)
+{
+    testing::AudioServer server;
+    server.Start();
+    std::mt19937 random(7);
+    for (int i = 0; i < Kills(); ++i) {
+        testing::TestEnvironment environment;
+        OtherProgram::Report told;
+        {
+            OtherProgram other(environment.folder);
+            const auto wait = static_cast<std::int64_t>(random() % 4000);
+            ASSERT_TRUE(testing::Becomes([&] { return other.Told().ms >= wait; })) << "it does not record";
+            other.Kill();
+            told = other.Told();
+        }
+        const std::string wav = core::InternalPath(told.path);
+        environment->config.Global_OutputDevice = 0;
+        const auto session = audio::SoundSession::Start(*environment);
+        ProjectFile_Class project(*environment);
+        project.InitializeClass();
+        core::ClearAbandonedProjects(*environment);
+        ASSERT_TRUE(project.CreateNewProject());
+        bool failed = true;
+        const std::int64_t lengthMS = core::GetAudioFileLengthMS(wav, &failed);
+        const auto bytes = static_cast<std::int64_t>(4 * audio::ReadWav(wav).Frames());
+        EXPECT_FALSE(failed);
+        EXPECT_GE(bytes, told.bytes) << "after " << told.ms << " ms";
+        EXPECT_GE(lengthMS, told.ms - 1000);
+        RecordProperty("missing_ms_" + std::to_string(i), std::to_string(told.ms - lengthMS));
+
+        environment.ports.messages.Expect(core::Answer::Yes);
+        project.util_OfferAbandonedTakes();
+        ASSERT_TRUE(environment.ports.messages.AllAsked());
+        const auto rows = project.Chn_GetVoiceChannelObj_by_Index(1)->ChannelData->InTimeOrder();
+        ASSERT_EQ(rows.size(), 1U);
+        EXPECT_EQ(rows[0]->TimePos, 1500);
+        EXPECT_EQ(rows[0]->EventOBJ->EndMS, lengthMS);
+        EXPECT_LE(rows[0]->EventOBJ->StartMS, lengthMS);
+        std::printf("killed after %lld ms: %lld ms kept, start at %d ms\n", static_cast<long long>(told.ms),
+                    static_cast<long long>(lengthMS), rows[0]->EventOBJ->StartMS);
+    }
+}
+
+struct RunningServer {
+    RunningServer() { server.Start(); }
+    testing::AudioServer server;
+};
+
+/// A new project on the server's default devices.
+class TakeOnServer : private RunningServer, public ProjectTest {
+protected:
+    TakeOnServer()
+    {
+        m_session.reset();
+        m_environment->config.Global_OutputDevice = -1;
+        m_environment->config.Global_InputDevice = 0;
+        m_session = audio::SoundSession::Start(*m_environment);
+        StartNew();
+        core::MsgParametersClass params;
+        params.SelectChannelID = Voice(0).ClassID();
+        Send(core::Msg_SelectVoiceChannel, params);
+    }
+
+    testing::AudioServer& Server() { return server; }
+
+    /// Starts a take, and returns when a second of it has passed.
+    void Record()
+    {
+        Send(core::Msg_Recorder_Start);
+        ASSERT_TRUE(m_project->Recorder->isRecording()) << Messages().LastText();
+        Hear(1000);
+    }
+
+    void Hear(std::int32_t ms)
+    {
+        EXPECT_TRUE(testing::Becomes([&] { return m_project->Player->GetTimePos() >= ms; }));
+    }
+
+    bool EndsByItself()
+    {
+        return testing::Becomes([this] {
+            m_environment.ports.timers.Advance(200ms);
+            return !m_project->Recorder->isRecording();
+        });
+    }
+
+    std::int32_t LengthOfTake(std::size_t number)
+    {
+        const auto rows = Voice(0).ChannelData->InTimeOrder();
+        return rows.size() > number ? rows[number]->EventOBJ->EndMS : -1;
+    }
+};
+
+TEST_F(TakeOnServer, EndsWithTheServerAndTheNextOneNeedsOnlyANewServer)
+{
+    Record();
+    Server().Kill();
+    ASSERT_TRUE(EndsByItself());
+    EXPECT_GE(LengthOfTake(0), 500);
+    EXPECT_THAT(Messages().LastText(), HasSubstr("the input device is gone"));
+
+    Server().Start();
+    ASSERT_TRUE(testing::Becomes([this] {
+        Send(core::Msg_Recorder_Start);
+        return m_project->Recorder->isRecording();
+    }));
+    Hear(1000);
+    Send(core::Msg_Recorder_Stop);
+    EXPECT_EQ(Voice(0).ChannelData->InTimeOrder().size(), 2U);
+    EXPECT_GE(LengthOfTake(1), 500);
+}
+
+TEST_F(TakeOnServer, EndsWithAFullDisk)
+{
+    {
+        const testing::FileSizeLimit limit(150'000);
+        Record();
+        ASSERT_TRUE(EndsByItself());
+    }
+    EXPECT_GE(LengthOfTake(0), 500);
+    EXPECT_THAT(Messages().LastText(), HasSubstr("its file could not be written"));
+}
+
+} // namespace
+} // namespace velmora::project
