@@ -69,6 +69,21 @@ TEST(EffectStream, RunsEffectsOfLowPriorityFirstBetweenTheDsps)
     EXPECT_EQ(SettledPeak(stream.handle), 2000);
 }
 
+TEST(EffectStream, SurvivesGainsThatNoNumberHolds)
+{
+    TestStream stream(Tone);
+    std::vector<HFX> gains;
+    for (int i = 0; i < 20; ++i) {
+        gains.push_back(SetFX(stream.handle, BASS_FX_DX8_COMPRESSOR, BASS_DX8_COMPRESSOR{60, 1, 50, 0, 1, 0}));
+    }
+    SetFX(stream.handle, BASS_FX_DX8_PARAMEQ, kFlat, 1);
+    EXPECT_EQ(SettledPeak(stream.handle), 32'767);
+    for (const HFX gain : gains) {
+        EXPECT_TRUE(BASS_ChannelRemoveFX(stream.handle, gain));
+    }
+    EXPECT_EQ(SettledPeak(stream.handle), 4000);
+}
+
 TEST(EffectStream, RefusesWhatCannotBeAndSaysWhy)
 {
     TestStream stream(Tone);

@@ -1,6 +1,7 @@
 #include "soundlayer/internal/effects/Compressor.h"
 
 #include "soundlayer/internal/effects/FastMath.h"
+#include "soundlayer/internal/effects/Wide.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,9 +14,16 @@ namespace {
 constexpr float kDecibels = 6.02059991F;
 /// The quietest level that is told apart from silence.
 constexpr float kQuietest = 1e-6F;
-/// Frames of a piece of the level's window; a grain has whole ones.
-constexpr std::size_t kPiece = 16;
+/// What is taken away, as a power of two, before the compressor is at rest: nobody can tell when it went to zero.
+constexpr double kLeastReduction = 1e-9;
 constexpr double kWindowSeconds = 0.0025;
+
+[[gnu::always_inline]] inline void TakeGreater(float* __restrict out, const float* a, const float* b, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        out[i] = std::max(a[i], b[i]);
+    }
+}
 
 } // namespace
 
@@ -29,7 +37,9 @@ Compressor::Compressor(std::uint32_t rate)
     , m_slope(rate)
     , m_attackTime(rate)
     , m_releaseTime(rate)
-    , m_peaks(static_cast<std::size_t>(kWindowSeconds * rate / kPiece) + 2)
+    , m_window(static_cast<std::size_t>(std::max(1.0, kWindowSeconds * rate)))
+    , m_peaks(m_window + kGrain)
+    , m_greatest{m_peaks, m_peaks}
 {
 }
 
@@ -70,37 +80,38 @@ bool Compressor::AtRest() const
 
 bool Compressor::Unheard() const
 {
-    return std::ranges::all_of(m_peaks, [](float peak) { return peak == 0; });
+    return std::all_of(m_peaks.begin(), m_peaks.begin() + static_cast<std::ptrdiff_t>(m_window) - 1,
+                       [](float peak) { return peak == 0; });
 }
 
 void Compressor::EndGrain()
 {
-    // 0.0006 dB.
-    if (m_reduction < 1e-4 && Unheard()) {
+    if (m_reduction < kLeastReduction && Unheard()) {
         m_reduction = 0;
     }
 }
 
-void Compressor::Measure(const float* left, const float* right, Frames& level, std::size_t frames, std::size_t at)
+[[gnu::always_inline]] inline void Compressor::Measure(const float* left, const float* right, Frames& level,
+                                                       std::size_t frames)
 {
+    const std::size_t before = m_window - 1;
+    float* const now = m_peaks.data() + before;
     for (std::size_t i = 0; i < frames; ++i) {
-        level[i] = std::max(std::abs(left[i]), std::abs(right[i]));
+        now[i] = std::max(std::abs(left[i]), std::abs(right[i]));
     }
-    for (std::size_t done = 0; done < frames;) {
-        const std::size_t inPiece = (at + done) % kPiece;
-        if (inPiece == 0) {
-            m_piece = (m_piece + 1) % m_peaks.size();
-            m_peaks[m_piece] = 0;
-        }
-        float running = std::ranges::max(m_peaks);
-        float peak = m_peaks[m_piece];
-        for (const std::size_t end = std::min(frames, done + kPiece - inPiece); done < end; ++done) {
-            peak = std::max(peak, level[done]);
-            running = std::max(running, level[done]);
-            level[done] = running;
-        }
-        m_peaks[m_piece] = peak;
+    // The greatest of the last 2, 4, 8 ... frames, each from two of the ones before.
+    const float* from = m_peaks.data();
+    std::size_t size = before + frames;
+    std::size_t reach = 1;
+    for (std::size_t turn = 0; reach < m_window; turn ^= 1) {
+        const std::size_t further = std::min(reach, m_window - reach);
+        size -= further;
+        TakeGreater(m_greatest[turn].data(), from, from + further, size);
+        from = m_greatest[turn].data();
+        reach += further;
     }
+    std::copy_n(from, frames, level.data());
+    std::copy_n(m_peaks.data() + frames, before, m_peaks.data());
 }
 
 void Compressor::Delay(DelayLine& line, float* side, std::size_t frames, std::size_t at) const
@@ -109,46 +120,51 @@ void Compressor::Delay(DelayLine& line, float* side, std::size_t frames, std::si
     m_tap.Read(line, side, frames, at, frames);
 }
 
-void Compressor::Run(float* left, float* right, std::size_t frames, std::size_t at)
+void Compressor::Smooth(Frames& reductions, std::size_t frames)
 {
-    Frames wanted;
-    Measure(left, right, wanted, frames, at);
-    const Glide::Line threshold = m_threshold.Way();
-    const Glide::Line slope = m_slope.Way();
-    for (std::size_t i = 0; i < frames; ++i) {
-        const float above = FastLog2(std::max(wanted[i], kQuietest)) - threshold.At(at + i);
-        wanted[i] = slope.At(at + i) * std::max(above, 0.0F);
-    }
+    const double attack = m_attack;
+    const double release = m_release;
+    double reduction = m_reduction;
     // Of the two ways to go, the faster one is the greater where more is wanted and the lesser where less is, so no
     // comparison with what is wanted is needed.
-    Frames factor;
-    const bool quickAttack = m_attack >= m_release;
-    double reduction = m_reduction;
     const auto smooth = [&](auto pick) {
-        const double attack = m_attack;
-        const double release = m_release;
         for (std::size_t i = 0; i < frames; ++i) {
-            const auto to = static_cast<double>(wanted[i]);
+            const auto to = static_cast<double>(reductions[i]);
             reduction = pick(to * attack + reduction * (1.0 - attack), to * release + reduction * (1.0 - release));
-            factor[i] = static_cast<float>(reduction);
+            reductions[i] = static_cast<float>(reduction);
         }
     };
-    if (quickAttack) {
+    if (attack >= release) {
         smooth([](double a, double b) { return std::max(a, b); });
     } else {
         smooth([](double a, double b) { return std::min(a, b); });
     }
     m_reduction = reduction;
-    const Glide::Line gain = m_gain.Way();
-    for (std::size_t i = 0; i < frames; ++i) {
-        factor[i] = gain.At(at + i) * FastExp2(-factor[i]);
-    }
+}
+
+void Compressor::Run(float* left, float* right, std::size_t frames, std::size_t at)
+{
+    Frames factors;
+    AtBestWidth([&]() __attribute__((always_inline)) {
+        Measure(left, right, factors, frames);
+        const Glide::Line threshold = m_threshold.Way();
+        const Glide::Line slope = m_slope.Way();
+        for (std::size_t i = 0; i < frames; ++i) {
+            const float above = FastLog2(std::max(factors[i], kQuietest)) - threshold.At(at + i);
+            factors[i] = slope.At(at + i) * std::max(above, 0.0F);
+        }
+    });
+    Smooth(factors, frames);
     Delay(m_left, left, frames, at);
     Delay(m_right, right, frames, at);
-    for (std::size_t i = 0; i < frames; ++i) {
-        left[i] *= factor[i];
-        right[i] *= factor[i];
-    }
+    AtBestWidth([&]() __attribute__((always_inline)) {
+        const Glide::Line gain = m_gain.Way();
+        for (std::size_t i = 0; i < frames; ++i) {
+            const float factor = gain.At(at + i) * FastExp2(-factors[i]);
+            left[i] *= factor;
+            right[i] *= factor;
+        }
+    });
 }
 
 } // namespace velmora::soundlayer

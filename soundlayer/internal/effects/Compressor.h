@@ -13,7 +13,7 @@ namespace velmora::soundlayer {
 /// Makes what is louder than the threshold quieter, both sides alike: n dB more come out as n / ratio dB.
 ///
 /// Feed-forward with smoothed gain (D. Giannoulis, M. Massberg, J. Reiss, "Digital Dynamic Range Compressor Design",
-/// 2012), hard knee. The level is the louder side's peak of the last 2.5 ms and a little more, so that a tone from 200
+/// 2012), hard knee. The level is the louder side's peak of the last 2.5 ms, so that a tone from 200
 /// Hz on has its amplitude as a steady level. The gain in dB goes to where the level wants it as one over e^(t / time):
 /// after `fAttack` (down) or `fRelease` (up) 63 % of the way are done. With `fPreDelay` the sound comes so much later
 /// than the gain.
@@ -31,8 +31,9 @@ private:
     void Run(float* left, float* right, std::size_t frames, std::size_t at) override;
     void EndGrain() override;
     void Delay(DelayLine& line, float* side, std::size_t frames, std::size_t at) const;
+    void Smooth(Frames& reductions, std::size_t frames);
     bool Unheard() const;
-    void Measure(const float* left, const float* right, Frames& level, std::size_t frames, std::size_t at);
+    void Measure(const float* left, const float* right, Frames& level, std::size_t frames);
     /// Of the way that is done in one frame, for a time as below.
     double Share(float time) const;
 
@@ -50,9 +51,10 @@ private:
     Glide m_releaseTime;
     double m_attack = 0.0;
     double m_release = 0.0;
-    /// Peaks of the last pieces of the sound, a ring; the present one's place.
+    /// Frames of the level's window, the louder side in them, and room to find their greatest.
+    const std::size_t m_window;
     std::vector<float> m_peaks;
-    std::size_t m_piece = 0;
+    std::array<std::vector<float>, 2> m_greatest;
     double m_reduction = 0.0;
 };
 

@@ -1,5 +1,7 @@
 #include "soundlayer/internal/effects/Distortion.h"
 
+#include "soundlayer/internal/effects/Wide.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -91,19 +93,21 @@ void Distortion::LowPass(float* left, float* right, std::size_t frames, std::siz
 void Distortion::Bend(Side& side, float* samples, std::size_t frames, std::size_t at)
 {
     side.oversampler.Up(samples, frames);
-    Frames drive;
-    Frames scale;
     const Glide::Line line = m_drive.Way();
-    for (std::size_t i = 0; i < frames; ++i) {
-        drive[i] = line.At(at + i);
-        scale[i] = 1.0F / Tanh(drive[i]);
-    }
-    for (std::size_t phase = 0; phase < Oversampler::kFactor; ++phase) {
-        float* __restrict wave = side.oversampler.Phase(phase);
+    AtBestWidth([&]() __attribute__((always_inline)) {
+        Frames drive;
+        Frames scale;
         for (std::size_t i = 0; i < frames; ++i) {
-            wave[i] = scale[i] * Tanh(drive[i] * wave[i]);
+            drive[i] = line.At(at + i);
+            scale[i] = 1.0F / Tanh(drive[i]);
         }
-    }
+        for (std::size_t phase = 0; phase < Oversampler::kFactor; ++phase) {
+            float* __restrict wave = side.oversampler.Phase(phase);
+            for (std::size_t i = 0; i < frames; ++i) {
+                wave[i] = scale[i] * Tanh(drive[i] * wave[i]);
+            }
+        }
+    });
     side.oversampler.Down(samples, frames);
 }
 

@@ -26,4 +26,21 @@ inline bool IsWide()
     return wide;
 }
 
+/// Calls `work`, a lambda of plain loops that is always inlined, so that they are made for either width.
+template <typename Work>
+[[gnu::target("avx2")]] void CallWide(const Work& work)
+{
+    work();
+}
+
+template <typename Work>
+void AtBestWidth(const Work& work)
+{
+    if (IsWide()) {
+        CallWide(work);
+    } else {
+        work();
+    }
+}
+
 } // namespace velmora::soundlayer
