@@ -52,7 +52,9 @@ int CoolToolBar::AddButton(const Button& button)
     auto* widget = new imgButton(button.isRecord ? ButtonLook::Record : ButtonLook::Tool, this);
     widget->SetIcon(button.icon);
     widget->SetToolTip(button.caption, button.key);
-    widget->SetShowsValue();
+    if (button.hasOnLook) {
+        widget->SetShowsValue();
+    }
     widget->setGeometry(button.place);
     widget->installEventFilter(this);
     *free = widget;
@@ -140,8 +142,10 @@ MainToolBar::MainToolBar(QWidget* parent)
 {
     for (const MainButton& button : kMainButtons) {
         const QString icon = QString::fromLatin1(button.icon);
+        const bool isRecord = icon == QLatin1String("record");
         AddButton({icon, tr(button.caption), QString::fromLatin1(button.key),
-                   QRect(button.left, 0, kButtonWidth, theme::kControlHeight), icon == QLatin1String("record")});
+                   QRect(button.left, 0, kButtonWidth, theme::kControlHeight), isRecord,
+                   isRecord || icon == QLatin1String("play")});
     }
     AddSeparator({95, 6});
     AddSeparator({161, 6});

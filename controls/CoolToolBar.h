@@ -26,6 +26,7 @@ public:
         QString key;     ///< shown behind the tool tip
         QRect place;
         bool isRecord = false;
+        bool hasOnLook = false; ///< for `SetButtonOn`
     };
     /// The index of the new button; -1 when the table is full.
     int AddButton(const Button& button);

@@ -36,9 +36,13 @@ imgButton::imgButton(ButtonLook look, QWidget* parent)
     setCheckable(look == ButtonLook::Number);
     // Assistive tools switch a button without a click.
     connect(this, &QAbstractButton::toggled, this, [this](bool on) {
-        if (!m_changing) {
-            emit clicked(on);
+        if (m_changing) {
+            return;
         }
+        if (m_mode == ButtonMode_Click) {
+            SetValue(!on); // its owner lights it
+        }
+        emit clicked(isChecked());
     });
 }
 

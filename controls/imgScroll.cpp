@@ -79,7 +79,9 @@ void imgScroll::mousePressEvent(QMouseEvent* event)
 
 void imgScroll::mouseMoveEvent(QMouseEvent* event)
 {
-    if (m_dragged && (event->buttons() & Qt::LeftButton)) {
+    if (!(event->buttons() & Qt::LeftButton)) {
+        m_dragged = false; // the release went elsewhere
+    } else if (m_dragged) {
         ChooseValue(ValueAt(event->position()));
     }
 }

@@ -120,7 +120,11 @@ TEST(Buttons, ClickOnReleaseInsideAndByKeys)
 
     // The number of a channel is lit by its owner alone.
     imgButton number(ButtonLook::Number);
+    QSignalSpy chosen(&number, &imgButton::clicked);
     QTest::mouseClick(&number, Qt::LeftButton);
+    QAccessible::queryAccessibleInterface(&number)->actionInterface()->doAction(
+        QAccessibleActionInterface::toggleAction());
+    EXPECT_EQ(chosen.count(), 2);
     EXPECT_FALSE(number.Value());
 }
 
@@ -140,6 +144,9 @@ TEST(ToolBar, HasItsButtonsInOrderWithTheirToolTips)
     EXPECT_FALSE(bar.ButtonIsUsed(13));
 
     QSignalSpy clicked(&bar, &CoolToolBar::ButtonClicked);
+    EXPECT_FALSE(bar.GetButton(MainToolBar::New)->isCheckable());
+    bar.SetButtonOn(MainToolBar::Record, true);
+    EXPECT_TRUE(bar.GetButton(MainToolBar::Record)->Value());
     bar.SetButtonEnabled(MainToolBar::Undo, false);
     QTest::mouseClick(bar.GetButton(MainToolBar::Undo), Qt::LeftButton);
     QTest::mouseClick(bar.GetButton(MainToolBar::Play), Qt::LeftButton);
