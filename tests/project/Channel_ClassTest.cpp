@@ -192,13 +192,27 @@ TEST_F(Channel, PacksAreWrittenAndTakenWholeOrNotAtAll)
     EXPECT_EQ(Voice(1).FX->Get_FXChainObj_by_Index(1)->FX_TotalN(), 0);
 
     const std::string before = Voice(1).FX->GetXMLData();
-    m_environment.disk.WriteTextFile(m_environment.Path("presets\\bad.pack"), "<FX_ChainList></FX_ChainList>");
     pack.FXPackFile = m_environment.Path("presets\\bad.pack");
-    Send(core::Msg_FXPack_Load, pack);
-    EXPECT_EQ(Messages().LastText(), "FXPack: Error loading XML data");
-    pack.FXPackFile = m_environment.Path("presets\\none.pack");
-    EXPECT_TRUE(Send(core::Msg_FXPack_Load, pack).CancelDelivery);
-    EXPECT_EQ(Messages().LastText(), "FXPack: Error loading file");
+    const auto load = [&](const std::string& content) {
+        m_environment.disk.WriteTextFile(pack.FXPackFile, content);
+        Messages().shown.clear();
+        const bool cancelled = Send(core::Msg_FXPack_Load, pack).CancelDelivery;
+        EXPECT_EQ(Messages().shown.size(), 1u);
+        EXPECT_EQ(cancelled, Messages().LastText() == "FXPack: Error loading file");
+        return Messages().LastText();
+    };
+    for (const std::string& content :
+         {std::string("<FX_ChainList></FX_ChainList>"), before.substr(0, before.size() - 40),
+          effects::FX_GetDefaultXML(7), m_project->GetXMLData(), std::string(3000, '\0'), std::string("\xFF\xFE <")}) {
+        EXPECT_EQ(load(content), "FXPack: Error loading XML data");
+    }
+    EXPECT_EQ(load(""), "FXPack: Error loading file");
+    EXPECT_EQ(load(before + std::string(std::size_t{17} << 20, ' ')), "FXPack: Error loading file");
+    for (const char* name : {"presets\\none.pack", "presets", "presets\\bad.pack\\file.pack"}) {
+        pack.FXPackFile = m_environment.Path(name);
+        EXPECT_TRUE(Send(core::Msg_FXPack_Load, pack).CancelDelivery) << name;
+        EXPECT_EQ(Messages().LastText(), "FXPack: Error loading file");
+    }
     m_environment.files.FillDisk();
     EXPECT_TRUE(Send(core::Msg_FXPack_Save, pack).CancelDelivery);
     EXPECT_EQ(Messages().LastText(), "FXPack: Error saving file");

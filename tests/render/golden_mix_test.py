@@ -7,7 +7,7 @@ import numpy as np
 
 from golden_mix import Mixer, lag, resample, to_16_bits
 from rendering import RenderTest
-from velmora_project import Channel, Clip, Project, decode, read_wav, synthesize
+from velmora_project import Channel, Clip, Effect, Project, decode, read_wav, synthesize
 
 
 class MixTest(RenderTest):
@@ -117,6 +117,55 @@ class SplitTest(RenderTest):
             with self.subTest(name):
                 self.assertGreater(np.abs(before[first:end].astype(int)).max(), 1000)
                 self.assert_close(after[first:end], before[first:end], tolerance)
+
+
+class EffectsTest(RenderTest):
+    AUDIO = [("stereo.wav", 3, 44100, 2)]
+    KINDS = {
+        "Chorus": {"fFrecuency": 2, "fDelay": 12}, "Compressor": {"fThreshold": -30},
+        "Distortion": {"fGain": -12}, "Echo": {}, "Flanger": {"fFrecuency": 1, "fDelay": 2},
+        "Graphic EQ": {f"freq{i}": 4 - 2 * i for i in range(1, 8)}, "Parametric EQ": {}, "Reverb": {},
+    }
+
+    def channel(self, *effects, **settings):
+        return Channel([Clip("stereo.wav", 150, 0, 1500), Clip("stereo.wav", 2600, 700, 2700)], effects=list(effects),
+                       **settings)
+
+    def test_each_effect_is_heard_and_none_that_is_disabled(self):
+        dry = self.mix(Project([self.channel()])).astype(int)
+        for kind, values in self.KINDS.items():
+            with self.subTest(kind):
+                heard = self.mix(Project([self.channel(Effect(kind, values))])).astype(int)
+                self.assertEqual(heard.shape, dry.shape)
+                self.assertGreater(np.sqrt(np.mean((heard - dry) ** 2)), 100)
+                self.assertLess(np.abs(heard).max(), 32767)
+        off = [Effect(kind, values, enabled=False) for kind, values in self.KINDS.items()]
+        self.assert_close(self.mix(Project([self.channel(*off)])), dry, 0)
+
+    def test_same_bytes_with_all_effects_and_any_number_of_threads(self):
+        every = [Effect(kind, values) for kind, values in self.KINDS.items()]
+        project = Project([self.channel(*every[i:], *every[:i], volume=30, pan=10 * i) for i in range(0, 8, 2)])
+        results = set()
+        for threads in (1, 2, 4):
+            with open(self.render(project, "--threads", threads), "rb") as file:
+                results.add(file.read())
+        self.assertEqual(len(results), 1)
+
+    def test_echo_repeats_at_its_sample(self):
+        dry = self.mix(Project([self.channel()])).astype(float)
+        echo = Effect("Echo", {"fWetDryMix": 100, "fLeftDelay": 100, "fRightDelay": 1000})
+        mix = self.mix(Project([self.channel(echo)]))
+        for side, delay in ((0, 4410), (1, 44100)):
+            self.assert_close(mix[delay:, [side]], dry[:-delay, [side]], 1)
+            self.assertEqual(np.abs(mix[:delay, side]).max(), 0)
+
+    def test_effects_run_by_priority(self):
+        # What makes loud before all is made even is not heard; behind it, it is.
+        loud = Effect("Parametric EQ", {"fCenter": 1000, "fBandwidth": 36, "fGain": 15})
+        crushed = Effect("Compressor", {"fThreshold": -60, "fRatio": 100})
+        one, other = (self.mix(Project([self.channel(*order)])).astype(int)
+                      for order in ((loud, crushed), (crushed, loud)))
+        self.assertGreater(np.std(other), 2 * np.std(one))
 
 
 class OutputTest(RenderTest):
