@@ -22,7 +22,7 @@ Capture::Capture(std::unique_ptr<CaptureDevice> device, std::uint32_t rate, std:
     , m_newest(std::size_t{rate} * kNewestMS / 1000, 2)
     , m_history(std::size_t{kHistorySeconds} * rate)
     , m_guard(rate)
-    , m_heard(heardRate, FrameTimes::Fit::Median)
+    , m_heard(heardRate, FrameTimes::Beside::Moved)
 {
 }
 
@@ -35,7 +35,7 @@ bool Capture::Start()
     m_format = *format;
     m_converter = std::make_unique<FormatConverter>(m_format, AudioFormat{m_rate, 2});
     m_feed = std::make_unique<CaptureFeed>(m_format);
-    m_sounded.emplace(m_format.rate, FrameTimes::Fit::Earliest);
+    m_sounded.emplace(m_format.rate, FrameTimes::Beside::Late);
     m_nextHeard = m_heardLog ? m_heardLog->Count() : 0;
     m_started = SoundClock::now();
     m_lastArrival = m_started;

@@ -1,5 +1,6 @@
 #include "soundlayer/internal/CubebCapture.h"
 
+#include <string_view>
 #include <utility>
 
 #include <cubeb/cubeb.h>
@@ -7,13 +8,22 @@
 namespace velmora::soundlayer {
 
 namespace {
-/// What the device is asked to hold.
-constexpr std::uint32_t kDeviceMS = 20;
+/// What the device is asked to hold. PulseAudio delivers a quarter of it at once.
+constexpr std::uint32_t kDeviceMS = 10;
+constexpr std::uint32_t kBlocks = 4;
+/// So PulseAudio calls what a sink plays. It comes when the sink takes it, that is a block before it is heard.
+constexpr std::string_view kMonitor = ".monitor";
+
+std::uint32_t DeviceFrames(std::uint32_t rate)
+{
+    return rate * kDeviceMS / 1000;
+}
 } // namespace
 
 CubebCapture::CubebCapture(std::string backend, std::string id)
     : m_backend(std::move(backend))
     , m_id(std::move(id))
+    , m_isMonitor(m_id.ends_with(kMonitor))
 {
 }
 
@@ -44,7 +54,7 @@ bool CubebCapture::TryOpen(const SystemDevice& device, AudioFormat format)
                                format.channels == 2 ? CUBEB_LAYOUT_STEREO : CUBEB_LAYOUT_MONO, CUBEB_STREAM_PREF_NONE};
     cubeb_stream* stream = nullptr;
     const int made = cubeb_stream_init(
-        m_context.get(), &stream, "Recording", device.handle, &params, nullptr, nullptr, format.rate * kDeviceMS / 1000,
+        m_context.get(), &stream, "Recording", device.handle, &params, nullptr, nullptr, DeviceFrames(format.rate),
         [](cubeb_stream* from, void* self, const void* in, void*, long frames) {
             static_cast<CubebCapture*>(self)->OnData(from, static_cast<const std::int16_t*>(in), frames);
             return frames;
@@ -85,7 +95,9 @@ void CubebCapture::OnData(cubeb_stream* stream, const std::int16_t* in, long fra
     if (cubeb_stream_get_input_latency(stream, &latency) != CUBEB_OK) {
         latency = 0;
     }
-    m_callback({in, static_cast<std::size_t>(frames), called - TimeOfFrames(latency, m_format.rate)});
+    const std::int64_t behind =
+        m_isMonitor ? -std::int64_t{DeviceFrames(m_format.rate) / kBlocks} : std::int64_t{latency};
+    m_callback({in, static_cast<std::size_t>(frames), called - TimeOfFrames(behind, m_format.rate)});
 }
 
 } // namespace velmora::soundlayer

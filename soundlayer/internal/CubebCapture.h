@@ -25,6 +25,7 @@ private:
 
     const std::string m_backend;
     const std::string m_id;
+    const bool m_isMonitor;
     Callback m_callback;
     LostNotice m_lost;
     AudioFormat m_format;

@@ -4,9 +4,15 @@
 
 namespace velmora::soundlayer {
 
-FrameTimes::FrameTimes(std::uint32_t rate, Fit fit)
+namespace {
+/// So many readings that are so far from the line make another one.
+constexpr std::ptrdiff_t kMovedReadings = 3;
+constexpr std::chrono::milliseconds kMovedBy{2};
+} // namespace
+
+FrameTimes::FrameTimes(std::uint32_t rate, Beside beside)
     : m_rate(rate)
-    , m_fit(fit)
+    , m_beside(beside)
 {
 }
 
@@ -18,6 +24,12 @@ void FrameTimes::Add(const Reading& reading)
         m_open.clear();
     }
     m_open.push_back(reading);
+    if (HasMoved()) {
+        const std::vector<Reading> moved(m_open.end() - kMovedReadings, m_open.end());
+        m_open.resize(m_open.size() - moved.size());
+        m_lines.push_back(OpenLine());
+        m_open = moved;
+    }
 }
 
 std::optional<SoundClock::time_point> FrameTimes::TimeOf(std::int64_t frame) const
@@ -46,13 +58,24 @@ SoundClock::time_point FrameTimes::OriginOf(const Reading& reading) const
     return reading.at - TimeOfFrames(reading.frame, m_rate);
 }
 
+bool FrameTimes::HasMoved() const
+{
+    if (m_beside != Beside::Moved || static_cast<std::ptrdiff_t>(m_open.size()) <= 2 * kMovedReadings) {
+        return false;
+    }
+    const SoundClock::time_point origin = OpenLine().origin;
+    return std::all_of(m_open.end() - kMovedReadings, m_open.end(),
+                       [&](const Reading& reading) { return std::chrono::abs(OriginOf(reading) - origin) > kMovedBy; });
+}
+
 FrameTimes::Line FrameTimes::OpenLine() const
 {
     std::vector<SoundClock::time_point> origins;
     for (const Reading& reading : m_open) {
         origins.push_back(OriginOf(reading));
     }
-    const auto place = origins.begin() + (m_fit == Fit::Median ? static_cast<std::ptrdiff_t>(origins.size() / 2) : 0);
+    const auto place =
+        origins.begin() + static_cast<std::ptrdiff_t>(origins.size() / (m_beside == Beside::Late ? 4 : 2));
     std::ranges::nth_element(origins, place);
     return {m_open.front().frame, *place};
 }

@@ -8,15 +8,19 @@
 
 namespace velmora::soundlayer {
 
-/// When each frame sounds, out of readings that are off by whatever a callback came late: one line for each second of
-/// frames, and a new one where frames went missing. One thread at a time.
+/// When each frame sounds, out of readings that are off by whatever a callback came late or a server guessed: a line
+/// through the middle of each second of frames, and a new one where frames went missing. One thread at a time.
 class FrameTimes {
 public:
-    /// How the line runs through the readings of a second. A device that knows its latency is off to both sides; one
-    /// that does not is late at the most.
-    enum class Fit { Median, Earliest };
+    /// What makes several readings in a row lie beside the line.
+    enum class Beside {
+        /// They are late, as callbacks are, so the line runs through the lower quarter.
+        Late,
+        /// The device has let frames wait, and all that come wait too.
+        Moved
+    };
 
-    FrameTimes(std::uint32_t rate, Fit fit);
+    FrameTimes(std::uint32_t rate, Beside beside);
 
     /// Frames rise from reading to reading.
     void Add(const Reading& reading);
@@ -34,9 +38,10 @@ private:
 
     SoundClock::time_point OriginOf(const Reading& reading) const;
     Line OpenLine() const;
+    bool HasMoved() const;
 
     const std::uint32_t m_rate;
-    const Fit m_fit;
+    const Beside m_beside;
     std::vector<Line> m_lines;
     /// Of the second under way.
     std::vector<Reading> m_open;

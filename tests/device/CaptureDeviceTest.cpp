@@ -1,0 +1,102 @@
+#include "soundlayer/soundlayer.h"
+#include "tests/device/AlignedTakes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace velmora::audio {
+namespace {
+
+using testing::Becomes;
+
+TEST(Alignment, ATakeLiesOnWhatWasHeard)
+{
+    AlignedTakes rig;
+    std::vector<double> errors;
+    int disturbed = 0;
+    for (const std::int32_t buffer : {50, 300}) {
+        // The first take after a change of the buffer's length begins before the buffer has it.
+        for (const std::int32_t start : {0, 7'321, 0}) {
+            AlignedTakes::Take take;
+            for (int tries = 0; tries < 5 && (tries == 0 || take.disturbed); ++tries) {
+                take = rig.Record(buffer, start);
+                disturbed += take.disturbed ? 1 : 0;
+            }
+            if (!take.disturbed) {
+                errors.push_back(std::abs(take.errorMS));
+            }
+        }
+    }
+    ASSERT_FALSE(errors.empty()) << disturbed << " disturbed takes and no other";
+    std::ranges::sort(errors);
+    EXPECT_LT(errors[errors.size() / 2], 1);
+    EXPECT_LT(errors.back(), 3);
+}
+
+class RecordDevices : public ::testing::Test {
+protected:
+    ~RecordDevices() override { BASS_Free(); }
+
+    testing::AudioServer m_server;
+};
+
+TEST_F(RecordDevices, AreListedWithTheDefaultFirst)
+{
+    m_server.Start({"second"});
+    m_server.Control({"set-default-source", "second.monitor"});
+    BASS_DEVICEINFO info{};
+    ASSERT_TRUE(BASS_RecordGetDeviceInfo(0, &info));
+    EXPECT_STREQ(info.name, "Monitor of second");
+    EXPECT_EQ(info.flags, 3U);
+    ASSERT_TRUE(BASS_RecordGetDeviceInfo(1, &info));
+    EXPECT_EQ(info.flags, 1U);
+    EXPECT_FALSE(BASS_RecordGetDeviceInfo(2, &info));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DEVICE);
+    EXPECT_FALSE(BASS_RecordInit(2));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DEVICE);
+}
+
+TEST_F(RecordDevices, ThatDieEndWithWhatTheyGave)
+{
+    m_server.Start();
+    testing::TestEnvironment environment;
+    AudioInput_Class input(*environment);
+    input.InputDevice = 0;
+    input.SaveToFile = true;
+    input.FilePath = environment.Path("take.wav");
+    ASSERT_TRUE(input.StartCapture()) << input.LastErrorMessage();
+    input.StartEncoder();
+    EXPECT_TRUE(Becomes([&] { return input.Input().silent; })) << "an input without a sound";
+    EXPECT_EQ(input.Device(), AudioInput_Class::DeviceState::Delivering);
+    m_server.Kill();
+    EXPECT_TRUE(Becomes([&] { return input.Device() == AudioInput_Class::DeviceState::Lost; }));
+    input.EndCapture();
+    EXPECT_FALSE(input.FileFailed());
+    EXPECT_GT(std::filesystem::file_size(environment.folder.Posix() / "take.wav"), 3U * 44'100 * 4);
+
+    // And with a server again, the next take is like the first one.
+    m_server.Start();
+    EXPECT_TRUE(Becomes([&] { return input.StartCapture(); })) << input.LastErrorMessage();
+    EXPECT_EQ(input.Device(), AudioInput_Class::DeviceState::Delivering);
+}
+
+TEST_F(RecordDevices, ThatHangGiveSilenceAndComeBack)
+{
+    m_server.Start();
+    ASSERT_TRUE(BASS_RecordInit(0));
+    const HRECORD record = BASS_RecordStart(44'100, 2, 0, nullptr, 0);
+    ASSERT_NE(record, 0U);
+    ASSERT_TRUE(Becomes([&] { return BASS_ChannelGetData(record, nullptr, 0) > 0; }));
+    m_server.Hang();
+    EXPECT_TRUE(Becomes([&] { return Sound_RecordState(record) == 2; }));
+    EXPECT_TRUE(Becomes([&] { return Sound_RecordGapFrames(record) >= 3U * 44'100; }));
+    m_server.GoOn();
+    EXPECT_TRUE(Becomes([&] { return Sound_RecordState(record) == 1; }));
+    EXPECT_TRUE(BASS_RecordFree());
+}
+
+} // namespace
+} // namespace velmora::audio
