@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 scripts/install-packages.sh bench
 cmake --preset release >/dev/null
 cmake --build --preset release --target velmora-render velmora-decode-bench velmora-load-bench velmora-bus-bench \
-    velmora-undo-bench velmora-live-bench velmora-engine-bench
+    velmora-undo-bench velmora-live-bench velmora-engine-bench velmora-fx-bench
 python=python3
 /usr/bin/python3 -c 'import numpy' 2>/dev/null && python=/usr/bin/python3
 "$python" -B bench/bench.py build/release/bin build/bench "${1:-3}"
@@ -13,3 +13,4 @@ build/release/bin/velmora-bus-bench
 build/release/bin/velmora-undo-bench
 build/release/bin/velmora-live-bench
 build/release/bin/velmora-engine-bench
+build/release/bin/velmora-fx-bench

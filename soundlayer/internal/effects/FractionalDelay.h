@@ -3,8 +3,10 @@
 #include "soundlayer/internal/effects/GrainEffect.h"
 #include "soundlayer/internal/effects/Quad.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace velmora::soundlayer {
@@ -35,11 +37,12 @@ public:
     /// What came `delay` frames before the newest.
     float Read(float delay) const
     {
-        const auto whole = static_cast<std::size_t>(delay);
+        const auto whole = static_cast<std::int32_t>(delay);
         const float place = (delay - static_cast<float>(whole)) * kPlaces;
-        const auto row = static_cast<std::size_t>(place);
-        const float* weights = m_weights[std::min(whole, kTaps / 2 - 1)][row].data();
-        const float* oldest = m_frames.data() + ((m_newest - whole - kTaps / 2) & m_mask);
+        const auto row = static_cast<std::int32_t>(place);
+        const float* weights =
+            m_weights[static_cast<std::size_t>(std::min(whole, kTaps / 2 - 1))][static_cast<std::size_t>(row)].data();
+        const float* oldest = m_frames.data() + ((m_newest - static_cast<std::uint32_t>(whole + kTaps / 2)) & m_mask);
         // Between two rows of the table the weights lie on straight lines, which is exact to -94 dB.
         const Quad share = (place - static_cast<float>(row)) + Quad{};
         const Quad first = LoadQuad(weights) + share * (LoadQuad(weights + kTaps) - LoadQuad(weights));
@@ -51,9 +54,9 @@ public:
     bool Silent() const { return m_silentFrames > m_mask; }
 
 private:
-    static constexpr std::size_t kTaps = 8;
+    static constexpr std::int32_t kTaps = 8;
     /// Places between two frames.
-    static constexpr std::size_t kPlaces = 256;
+    static constexpr std::int32_t kPlaces = 256;
 
     using Row = std::array<float, kTaps>;
     /// Weights of the frames from the oldest on, for delays of 0, 1, 2, and 3 or more whole frames.
@@ -63,8 +66,8 @@ private:
     static const Weights& SharedWeights();
 
     const Weights& m_weights;
-    const std::size_t m_mask;
-    std::size_t m_newest = 0;
+    const std::uint32_t m_mask;
+    std::uint32_t m_newest = 0;
     std::size_t m_silentFrames;
     std::vector<float> m_frames;
 };

@@ -104,11 +104,13 @@ void ModulatedDelay<Block>::RunSide(Side& side, float* sound, std::size_t frames
     const Glide::Line wet = m_wet.Way();
     const Glide::Line feedback = m_feedback.Way();
     const Glide::Line drive = m_drive.Way();
+    float fedBack = side.fedBack;
     for (std::size_t i = 0; i < frames; ++i) {
-        side.line.Write(drive.At(at + i) * sound[i] + feedback.At(at + i) * side.fedBack);
-        side.fedBack = side.line.Read(side.delays[at + i]);
-        sound[i] += wet.At(at + i) * (side.fedBack - sound[i]);
+        side.line.Write(drive.At(at + i) * sound[i] + feedback.At(at + i) * fedBack);
+        fedBack = side.line.Read(side.delays[at + i]);
+        sound[i] += wet.At(at + i) * (fedBack - sound[i]);
     }
+    side.fedBack = fedBack;
 }
 
 template class ModulatedDelay<BASS_DX8_CHORUS>;
