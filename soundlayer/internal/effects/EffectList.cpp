@@ -176,6 +176,14 @@ void EffectList::ByGrains(std::size_t frames, EffectClock& clock, bool fade, Wor
 
 void EffectList::Skip(std::size_t frames, EffectClock& clock) const
 {
+    if (std::ranges::all_of(m_entries, [](const Entry& entry) { return entry.Runs() && !entry.leaving; })) {
+        for (const Entry& entry : m_entries) {
+            entry.slot->m_faded = kFade;
+            entry.slot->effect->Skip(frames);
+        }
+        clock.position = (clock.position + frames) % kGrain;
+        return;
+    }
     ByGrains(frames, clock, false, [this](std::size_t, std::size_t now) {
         for (const Entry& entry : m_entries) {
             if (entry.Runs()) {

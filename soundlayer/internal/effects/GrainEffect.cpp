@@ -11,8 +11,13 @@ void GrainEffect::Process(float* left, float* right, std::size_t frames)
 
 void GrainEffect::Skip(std::size_t frames)
 {
+    if (Still()) {
+        PassGrains((m_position + frames) / kGrain);
+        m_position = (m_position + frames) % kGrain;
+        return;
+    }
     GrainEffect* const self = this;
-    ByGrains({&self, 1}, frames, [this](std::size_t, std::size_t now, std::size_t) { Pass(now); });
+    ByGrains({&self, 1}, frames, [](std::size_t, std::size_t, std::size_t) {});
 }
 
 } // namespace velmora::soundlayer

@@ -34,8 +34,10 @@ protected:
     virtual void Run(float* left, float* right, std::size_t frames, std::size_t at) = 0;
     /// After the last frame of each grain: what has become too quiet is set to zero. [RT]
     virtual void EndGrain() {}
-    /// Frames of silence pass while at rest: what goes on without sound does so. [RT]
-    virtual void Pass(std::size_t /*frames*/) {}
+    /// Whether the beginnings of the next grains change nothing. [RT]
+    virtual bool Still() const = 0;
+    /// What whole grains of silence do while at rest and still: only what goes on without sound does so. [RT]
+    virtual void PassGrains(std::size_t /*grains*/) {}
 
     /// Cuts `frames` into pieces within a grain of `effects`, which all stand at one position: `work(done, frames,
     /// at)`. [RT]
@@ -86,18 +88,26 @@ protected:
     virtual void Move() = 0;
 
 private:
+    /// Grains, some 3 s, by which everything that glides has come to its end.
+    static constexpr std::size_t kLongestGlide = 1024;
+
     void BeginGrain() final
     {
         Block block = kBlockLimits<Block>.initial;
         if (m_mail.Take(block) || !m_begun) {
             Aim(block, !m_begun);
             m_begun = true;
+            m_glided = 0;
         }
         Move();
+        ++m_glided;
     }
+    bool Still() const final { return m_glided > kLongestGlide && m_mail.Empty(); }
 
     Mailbox<Block> m_mail;
     bool m_begun = false;
+    /// Grains since the parameters came.
+    std::size_t m_glided = 0;
 };
 
 } // namespace velmora::soundlayer

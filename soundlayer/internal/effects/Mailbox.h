@@ -20,10 +20,13 @@ public:
         m_written = m_between.exchange(m_written | kNew, std::memory_order_acq_rel) & kPlace;
     }
 
+    /// Reader: nothing new has come. [RT]
+    bool Empty() const { return (m_between.load(std::memory_order_relaxed) & kNew) == 0; }
+
     /// Reader: the latest value into `value`, or false without one since the last time. [RT]
     bool Take(T& value)
     {
-        if ((m_between.load(std::memory_order_relaxed) & kNew) == 0) {
+        if (Empty()) {
             return false;
         }
         m_read = m_between.exchange(m_read, std::memory_order_acq_rel) & kPlace;

@@ -60,6 +60,12 @@ void ModulatedDelay<Block>::Move()
     for (Glide* glide : {&m_delay, &m_depth, &m_form, &m_ahead, &m_wet, &m_feedback, &m_drive, &m_speed}) {
         glide->Move();
     }
+}
+
+template <typename Block>
+void ModulatedDelay<Block>::PassGrains(std::size_t grains)
+{
+    m_phase += static_cast<std::uint32_t>(grains) * (PhaseAt(kGrain - 1) - m_phase);
     m_delaysKnown = false;
 }
 

@@ -42,7 +42,8 @@ private:
     void Aim(const Block& block, bool atOnce) override;
     void Move() override;
     void Run(float* left, float* right, std::size_t frames, std::size_t at) override;
-    void EndGrain() override { m_phase = PhaseAt(kGrain - 1); }
+    void EndGrain() override { PassGrains(1); }
+    void PassGrains(std::size_t grains) override;
     /// The left swing's phase at a frame of the grain, in 2^-32 turns.
     std::uint32_t PhaseAt(std::size_t frame) const;
     void SetDelays();
