@@ -6,7 +6,8 @@
 #include <cstdlib>
 #include <vector>
 
-/// Prints how far takes lie from what was heard, for buffers and starts, TAKES each: velmora-alignment-bench [TAKES]
+/// Prints how far takes lie from what was heard, for buffers and starts, TAKES each, and what recording costs:
+/// velmora-alignment-bench [TAKES]
 int main(int count, char** arguments)
 {
     using velmora::audio::AlignedTakes;
@@ -40,5 +41,10 @@ int main(int count, char** arguments)
             std::fflush(stdout);
         }
     }
+    constexpr std::int32_t kCostMS = 15'000;
+    const std::int64_t playing = rig.CpuTimeMS(kCostMS, false);
+    const std::int64_t recording = rig.CpuTimeMS(kCostMS, true);
+    std::printf("\nPlaying takes %.2f %% of a core, playing and recording %.2f %%.\n",
+                100.0 * static_cast<double>(playing) / kCostMS, 100.0 * static_cast<double>(recording) / kCostMS);
     return 0;
 }

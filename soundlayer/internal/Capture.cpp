@@ -1,6 +1,8 @@
 #include "soundlayer/internal/Capture.h"
 
 #include <algorithm>
+#include <future>
+#include <type_traits>
 #include <utility>
 
 namespace velmora::soundlayer {
@@ -8,15 +10,40 @@ namespace velmora::soundlayer {
 namespace {
 constexpr std::chrono::milliseconds kLook{100};
 constexpr std::uint32_t kNewestMS = 1000;
+/// A server that hangs keeps nobody longer.
+constexpr std::chrono::seconds kServerPatience{3};
 /// What stays ready for a hearer, so that a block that comes a little late is not missed.
 constexpr std::uint32_t kHearingSlackMS = 5;
 constexpr std::size_t kSilentPiece = 4096;
+
+/// A take is lined up by the middle of what its first seconds tell. Playback often stumbles at its start, and what was
+/// sung follows what was heard after that.
+constexpr std::chrono::seconds kSettled{3};
+constexpr std::chrono::milliseconds kStep{100};
+
+std::int64_t FramesAt(std::uint32_t rate, SoundClock::duration time)
+{
+    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(time).count();
+    const std::int64_t seconds = ns / 1'000'000'000;
+    return seconds * rate + (ns - seconds * 1'000'000'000) * rate / 1'000'000'000;
+}
+
+/// What `work` gives, from a thread of its own that nobody has to wait for.
+template <typename Work>
+auto AtWork(Work work)
+{
+    std::packaged_task<std::invoke_result_t<Work&>()> task(std::move(work));
+    auto result = task.get_future();
+    std::thread(std::move(task)).detach();
+    return result;
+}
 } // namespace
 
 Capture::Capture(std::unique_ptr<CaptureDevice> device, std::uint32_t rate, std::shared_ptr<const ReadingLog> heard,
                  std::uint32_t heardRate, Times times)
     : m_device(std::move(device))
     , m_rate(rate)
+    , m_heardRate(heardRate)
     , m_heardLog(std::move(heard))
     , m_times(times)
     , m_newest(std::size_t{rate} * kNewestMS / 1000, 2)
@@ -28,22 +55,24 @@ Capture::Capture(std::unique_ptr<CaptureDevice> device, std::uint32_t rate, std:
 
 bool Capture::Start()
 {
-    const auto format = m_device->Open(m_rate);
+    auto opened = AtWork([device = m_device, rate = m_rate] { return device->Open(rate); });
+    if (opened.wait_for(kServerPatience) != std::future_status::ready) {
+        return false;
+    }
+    const std::optional<AudioFormat> format = opened.get();
     if (!format || !FormatConverter::Takes(*format)) {
         return false;
     }
     m_format = *format;
     m_converter = std::make_unique<FormatConverter>(m_format, AudioFormat{m_rate, 2});
-    m_feed = std::make_unique<CaptureFeed>(m_format);
+    m_feed = std::make_shared<CaptureFeed>(m_format);
     m_sounded.emplace(m_format.rate, FrameTimes::Beside::Late);
     m_nextHeard = m_heardLog ? m_heardLog->Count() : 0;
     m_started = SoundClock::now();
     m_lastArrival = m_started;
-    const auto lost = [this] {
-        m_lost = true;
-        m_feed->Wake();
-    };
-    if (!m_device->Start([this](const CaptureBlock& block) { return m_feed->Put(block); }, lost)) {
+    // A device that hangs may outlive this object.
+    const auto put = [feed = m_feed](const CaptureBlock& block) { return feed->Put(block); };
+    if (!m_device->Start(put, [feed = m_feed] { feed->Lose(); })) {
         m_device->Stop();
         return false;
     }
@@ -56,7 +85,11 @@ void Capture::Stop()
     if (!m_thread.joinable()) {
         return;
     }
-    m_device->Stop();
+    auto stopped = AtWork([device = std::exchange(m_device, nullptr)]() mutable {
+        device->Stop();
+        device.reset();
+    });
+    stopped.wait_for(kServerPatience);
     m_ending = true;
     m_feed->Wake();
     m_thread.join();
@@ -130,12 +163,31 @@ std::optional<SoundClock::duration> Capture::OffsetOf(std::int64_t frame, std::i
 {
     const std::lock_guard lock(m_mutex);
     Collect();
-    const auto sounded = m_sounded->TimeOf(frame * m_format.rate / m_rate);
+    const auto sounded = SoundedAt(frame);
     const auto heard = m_heard.TimeOf(mixed);
     if (!sounded || !heard) {
         return {};
     }
-    return *heard - *sounded;
+    const SoundClock::duration atStart = *heard - *sounded;
+    std::vector<SoundClock::duration> offsets;
+    for (SoundClock::duration later{}; later < kSettled && m_heard.Reaches(mixed + FramesAt(m_heardRate, later));
+         later += kStep) {
+        const auto heardThen = m_heard.TimeOf(mixed + FramesAt(m_heardRate, later));
+        const auto soundedThen = SoundedAt(frame + FramesAt(m_rate, later + atStart));
+        // What lies between the two frames is the same time by either count.
+        offsets.push_back(*heardThen - *soundedThen + atStart);
+    }
+    if (offsets.empty()) {
+        return atStart;
+    }
+    const auto middle = offsets.begin() + static_cast<std::ptrdiff_t>(offsets.size() / 2);
+    std::ranges::nth_element(offsets, middle);
+    return *middle;
+}
+
+std::optional<SoundClock::time_point> Capture::SoundedAt(std::int64_t frame) const
+{
+    return m_sounded->TimeOf(frame * m_format.rate / m_rate);
 }
 
 void Capture::Run()
@@ -155,7 +207,7 @@ bool Capture::HasRoom() const
 
 void Capture::Collect()
 {
-    const bool lost = m_lost;
+    const bool lost = m_feed->DeviceLost();
     Block block;
     while (HasRoom() && m_feed->Take(block.arrival, block.samples)) {
         Arrive(std::exchange(block, {}));
@@ -270,9 +322,7 @@ SoundClock::duration Capture::Lateness(std::int64_t frames, SoundClock::time_poi
 
 std::int64_t Capture::FramesIn(SoundClock::duration time) const
 {
-    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(time).count();
-    const std::int64_t seconds = ns / 1'000'000'000;
-    return seconds * m_format.rate + (ns - seconds * 1'000'000'000) * m_format.rate / 1'000'000'000;
+    return FramesAt(m_format.rate, time);
 }
 
 } // namespace velmora::soundlayer

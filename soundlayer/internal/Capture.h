@@ -69,10 +69,11 @@ public:
 
     /// The number of the frame that came `back` before the newest, or the oldest that is kept; `Read` begins there.
     std::int64_t FrameBefore(std::chrono::milliseconds back);
-    /// Frames from number `from` on that have arrived; from there on they are kept, as long as there is room to wait for
-    /// the next call. Those that are kept no more are zeros, and `lost` is set.
+    /// Frames from number `from` on that have arrived; from there on they are kept, as long as there is room to wait
+    /// for the next call. Those that are kept no more are zeros, and `lost` is set.
     std::size_t Read(std::int64_t from, std::int16_t* interleaved, std::size_t frames, bool& lost);
-    /// How long after frame `frame` sounded, frame `mixed` of the output was heard; nothing while it is not known.
+    /// How long after frame `frame` sounded, frame `mixed` of the output was heard, going by both and by what came in
+    /// the seconds after them; nothing while it is not known.
     std::optional<SoundClock::duration> OffsetOf(std::int64_t frame, std::int64_t mixed);
 
 private:
@@ -92,16 +93,19 @@ private:
     void AppendSilence(std::int64_t frames);
     void Store(std::span<const std::int16_t> stereo);
     SoundClock::duration Lateness(std::int64_t frames, SoundClock::time_point end) const;
+    std::optional<SoundClock::time_point> SoundedAt(std::int64_t frame) const;
+    /// At the device's rate.
     std::int64_t FramesIn(SoundClock::duration time) const;
 
     static constexpr std::uint32_t kHistorySeconds = 16;
 
-    const std::unique_ptr<CaptureDevice> m_device;
+    std::shared_ptr<CaptureDevice> m_device;
     const std::uint32_t m_rate;
+    const std::uint32_t m_heardRate;
     const std::shared_ptr<const ReadingLog> m_heardLog;
     const Times m_times;
     AudioFormat m_format;
-    std::unique_ptr<CaptureFeed> m_feed;
+    std::shared_ptr<CaptureFeed> m_feed;
     SampleRing m_newest;
     // Of who hears.
     bool m_hearing = false;
@@ -110,7 +114,6 @@ private:
 
     std::atomic<CaptureState> m_state{CaptureState::Delivering};
     std::atomic<std::uint64_t> m_gapFrames{0};
-    std::atomic<bool> m_lost{false};
     std::atomic<bool> m_ending{false};
 
     mutable std::mutex m_mutex;

@@ -4,6 +4,7 @@ namespace velmora::soundlayer {
 
 CaptureFeed::CaptureFeed(AudioFormat format)
     : m_channels(format.channels)
+    , m_wakeFrames(format.rate / 200)
     , m_ring(std::size_t{kSeconds} * format.rate, format.channels)
     , m_arrivals(kBlocks)
 {
@@ -22,7 +23,11 @@ bool CaptureFeed::Put(const CaptureBlock& block)
     } else if (!block.comesAgain) {
         m_lost += block.frames;
     }
-    m_arrived.release();
+    m_sinceWake += block.frames;
+    if (m_sinceWake >= m_wakeFrames) {
+        m_sinceWake = 0;
+        m_arrived.release();
+    }
     return room;
 }
 

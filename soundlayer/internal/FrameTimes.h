@@ -26,6 +26,8 @@ public:
     void Add(const Reading& reading);
     /// By the line of the frame's second, or by the nearest there is; nothing before the first reading.
     std::optional<SoundClock::time_point> TimeOf(std::int64_t frame) const;
+    /// Readings go as far as that frame.
+    bool Reaches(std::int64_t frame) const { return !m_open.empty() && m_open.back().frame >= frame; }
     /// As `TimeOf`, by the newest line.
     std::optional<SoundClock::time_point> NewestTimeOf(std::int64_t frame) const;
 

@@ -1,5 +1,6 @@
 #include "audio/AudioInput_Class.h"
 
+#include "core/BassHelpers.h"
 #include "core/Paths.h"
 #include "soundlayer/soundlayer.h"
 #include "tests/audio/ScriptedCapture.h"
@@ -193,6 +194,7 @@ TEST_F(AudioInput, RecordsForHoursInTheSameMemory)
     EXPECT_FALSE(m_input.FileFailed());
     EXPECT_EQ(m_input.GapMS(), 0);
     const auto size = std::filesystem::file_size(core::PosixPath(m_input.FilePath));
+    EXPECT_EQ(core::GetAudioFileLengthMS(m_input.FilePath), 10 + TakeMinutes() * 60'000) << "also beyond 4 GiB";
     EXPECT_EQ(size, 80U + 4 * (441U + static_cast<std::uintmax_t>(TakeMinutes()) * 60 * 44'100));
 }
 

@@ -8,9 +8,13 @@
 #include "tests/audio/SoundFixture.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <thread>
 #include <vector>
+
+#include <sys/resource.h>
 
 namespace velmora::audio {
 namespace {
@@ -66,10 +70,7 @@ AlignedTakes::Take AlignedTakes::Record(std::int32_t bufferMS, std::int32_t star
     }
     player_SetTimePos(startMS);
     AudioInput_Class input(*m_environment);
-    input.InputDevice = 0;
-    input.SaveToFile = true;
-    input.FilePath = m_takePath;
-    if (!input.StartCapture()) {
+    if (!Start(input)) {
         return {0, true};
     }
     const std::uint64_t missed = Sound_MissedFrames();
@@ -85,6 +86,36 @@ AlignedTakes::Take AlignedTakes::Record(std::int32_t bufferMS, std::int32_t star
     Take take = LookAt(startMS, input);
     take.disturbed = take.disturbed || ranDry;
     return take;
+}
+
+std::int64_t AlignedTakes::CpuTimeMS(std::int32_t ms, bool recording)
+{
+    const auto spentMS = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        const auto msOf = [](const timeval& time) { return time.tv_sec * 1000 + time.tv_usec / 1000; };
+        return msOf(usage.ru_utime) + msOf(usage.ru_stime);
+    };
+    player_SetTimePos(0);
+    player_Play();
+    AudioInput_Class input(*m_environment);
+    if (recording && Start(input)) {
+        input.StartEncoder();
+    }
+    const std::int64_t before = spentMS();
+    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+    const std::int64_t spent = spentMS() - before;
+    input.EndCapture();
+    player_Pause();
+    return spent;
+}
+
+bool AlignedTakes::Start(AudioInput_Class& input)
+{
+    input.InputDevice = 0;
+    input.SaveToFile = true;
+    input.FilePath = m_takePath;
+    return input.StartCapture();
 }
 
 AlignedTakes::Take AlignedTakes::LookAt(std::int32_t startMS, const AudioInput_Class& input) const

@@ -34,7 +34,11 @@ public:
     /// A take that starts with the clock at `startMS`, with a buffer of `bufferMS`.
     Take Record(std::int32_t bufferMS, std::int32_t startMS);
 
+    /// Plays for `ms` and records beside it or not; the time of the processor that this took, in ms.
+    std::int64_t CpuTimeMS(std::int32_t ms, bool recording);
+
 private:
+    bool Start(AudioInput_Class& input);
     Take LookAt(std::int32_t startMS, const AudioInput_Class& input) const;
 
     testing::AudioServer m_server;
