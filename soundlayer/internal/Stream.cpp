@@ -41,7 +41,7 @@ void Stream::RunChain(const Chain& chain, std::int16_t* out, Block& block)
     };
     const auto late = std::ranges::find_if(chain.dsps, [](const Dsp& dsp) { return dsp.priority < 0; });
     std::for_each(chain.dsps.begin(), late, run);
-    if (!chain.effects.Empty() && !chain.effects.Process(out, block.frames, m_channels, m_effectClock)) {
+    if (chain.effects.Active() && !chain.effects.Process(out, block.frames, m_channels, m_effectClock)) {
         block.silent = false;
     }
     std::for_each(late, chain.dsps.end(), run);

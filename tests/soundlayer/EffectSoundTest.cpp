@@ -81,10 +81,12 @@ TEST(ParametricEq, RowsSoundAsOneBehindTheOther)
     }
 }
 
+using Repeats = std::vector<std::pair<std::size_t, float>>;
+
 /// The frames that are not zero, with their values.
-std::vector<std::pair<std::size_t, float>> Heard(const std::vector<float>& side)
+Repeats Heard(const std::vector<float>& side)
 {
-    std::vector<std::pair<std::size_t, float>> heard;
+    Repeats heard;
     for (std::size_t i = 0; i < side.size(); ++i) {
         if (side[i] != 0) {
             heard.emplace_back(i, side[i]);
@@ -95,12 +97,11 @@ std::vector<std::pair<std::size_t, float>> Heard(const std::vector<float>& side)
 
 TEST(Echo, RepeatsAtItsFrames)
 {
-    using Heard_ = std::vector<std::pair<std::size_t, float>>;
     // 10.02 ms are 441.88 frames, 1 ms is 44.1.
     const auto effect = EffectWith(BASS_FX_DX8_ECHO, BASS_DX8_ECHO{25, 50, 10.02F, 1, 0});
     Sides sound = Impulse(1000);
     Play(*effect, sound, 1000);
-    EXPECT_EQ(Heard(sound.left), (Heard_{{0, 0.75F}, {442, 0.25F}, {884, 0.125F}}));
+    EXPECT_EQ(Heard(sound.left), (Repeats{{0, 0.75F}, {442, 0.25F}, {884, 0.125F}}));
     ASSERT_GT(Heard(sound.right).size(), 3U);
     EXPECT_EQ(Heard(sound.right)[3], (std::pair<std::size_t, float>{132, 0.0625F}));
 
@@ -109,8 +110,8 @@ TEST(Echo, RepeatsAtItsFrames)
     Sides right(200'000);
     right.right[0] = 1;
     Play(*swapping, right);
-    EXPECT_EQ(Heard(right.right), (Heard_{{4410, 1.0F}, {97'020, 0.25F}, {189'630, 0.0625F}}));
-    EXPECT_EQ(Heard(right.left), (Heard_{{92'610, 0.5F}, {185'220, 0.125F}}));
+    EXPECT_EQ(Heard(right.right), (Repeats{{4410, 1.0F}, {97'020, 0.25F}, {189'630, 0.0625F}}));
+    EXPECT_EQ(Heard(right.left), (Repeats{{92'610, 0.5F}, {185'220, 0.125F}}));
 
     // Feedback never reaches 1.
     const auto longest = EffectWith(BASS_FX_DX8_ECHO, BASS_DX8_ECHO{100, 100, 1, 1, 0});
@@ -169,7 +170,7 @@ TEST(Compressor, KeepsItsTimes)
     for (const auto& [attack, release] :
          {std::pair{1.0F, 50.0F}, {5.0F, 100.0F}, {50.0F, 50.0F}, {500.0F, 50.0F}, {10.0F, 3000.0F}}) {
         const auto effect = EffectWith(BASS_FX_DX8_COMPRESSOR, BASS_DX8_COMPRESSOR{0, attack, release, -30, 4, 0});
-        // A steady level that steps up and down: a wave that is on one of two heights, far above the threshold.
+        // A square wave whose height steps up and down again.
         const std::size_t half = static_cast<std::size_t>(10 * std::max(attack, 20.0F)) * kRate / 1000;
         const std::size_t rest = static_cast<std::size_t>(10 * release) * kRate / 1000;
         Sides sound(half + half + rest);
@@ -179,7 +180,6 @@ TEST(Compressor, KeepsItsTimes)
         }
         const Sides played = sound;
         Play(*effect, sound);
-        Sides falling;
         const std::vector<float> attackHeard(sound.left.begin(), sound.left.begin() + static_cast<long>(2 * half));
         const double attackMs = TimeOfWay(attackHeard, played.left, half) * 1000 / kRate;
         EXPECT_NEAR(attackMs, attack, 0.1 * attack);

@@ -86,7 +86,7 @@ bool Compressor::Unheard() const
 
 void Compressor::EndGrain()
 {
-    if (m_reduction < kLeastReduction && Unheard()) {
+    if (m_reduction > 0 && m_reduction < kLeastReduction && Unheard()) {
         m_reduction = 0;
     }
 }

@@ -127,6 +127,11 @@ void EffectList::Prune()
     std::erase_if(m_entries, [](const Entry& entry) { return entry.leaving && !entry.Runs(); });
 }
 
+bool EffectList::Active() const
+{
+    return std::ranges::any_of(m_entries, [](const Entry& entry) { return !entry.leaving || entry.Runs(); });
+}
+
 bool EffectList::AtRest() const
 {
     return std::ranges::all_of(m_entries,

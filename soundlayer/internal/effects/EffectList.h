@@ -66,6 +66,8 @@ public:
     /// Drops what has left.
     void Prune();
 
+    /// Whether any effect runs or is to. [RT]
+    bool Active() const;
     /// Whether silence may be skipped. [RT]
     bool AtRest() const;
     /// Silence passes while `AtRest`. [RT]
