@@ -237,6 +237,7 @@ void frmMain::CompressProject()
         m_commands.Project().util_StopIfPlayingOrRecording();
         frmCompressProject window(m_environment, m_commands.Project(), this);
         window.StartCompression();
+        ExportForm_Closed();
     });
 }
 

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""A user's first hour, with a real window, real keys and a sound server of its own: start, play, mark,
-save, reopen, export, quit. VELMORA is the program, VELMORA_SERVER scripts/audio-server.sh; pictures of each step go to
-the folder VELMORA_SHOTS. Needs xvfb, openbox, xdotool, imagemagick and pulseaudio-utils."""
+"""A user's first hour, with a real window, real keys and a sound server of its own: start, play, mark, save, record,
+undo, compress, reopen, export, quit. VELMORA is the program, VELMORA_SERVER scripts/audio-server.sh; pictures of each
+step go to the folder VELMORA_SHOTS. Needs xvfb, openbox, xdotool, x11-utils, imagemagick and pulseaudio-utils."""
 
 import array
+import math
 import os
 import re
 import shutil
@@ -11,12 +12,16 @@ import subprocess
 import tempfile
 import time
 import unittest
+import wave
 from pathlib import Path
 
 PROGRAM = os.environ["VELMORA"]
 SERVER = os.environ["VELMORA_SERVER"]
 SHOTS = Path(os.environ["VELMORA_SHOTS"])
+RATE = 44100
+TONE = 441  # Hz
 # In the File menu, from its first entry.
+COMPRESS = ["Down"] * 5 + ["Return"]
 SAVE_AS = ["Down"] * 3 + ["Return"]
 EXPORT_WAVE = ["Down"] * 6 + ["Right", "Down", "Return"]
 
@@ -29,6 +34,13 @@ def read_wave(path):
     start = data.find(b"data", form) + 8
     samples = array.array("h", data[start:start + (len(data) - start) // 2 * 2])
     return samples[::channels]
+
+
+def hertz(samples):
+    """The tone by the middle one of its periods, so that a gap does not count; 0 for silence."""
+    rising = [i for i in range(1, len(samples)) if samples[i - 1] < 0 <= samples[i]]
+    periods = sorted(b - a for a, b in zip(rising, rising[1:]))
+    return RATE / periods[len(periods) // 2] if len(periods) > TONE / 2 else 0
 
 
 class Walk(unittest.TestCase):
@@ -57,6 +69,12 @@ class Walk(unittest.TestCase):
         self.begin(["openbox"], env=self.environment, stderr=subprocess.DEVNULL)
         self.wait("the window manager", lambda: "_NET_SUPPORTING_WM_CHECK" in self.ask("xprop", "-root"))
 
+        tone = array.array("h", (int(12000 * math.sin(2 * math.pi * TONE * i / RATE)) for i in range(10 * RATE)))
+        self.tone = self.folder / "tone.wav"
+        with wave.open(str(self.tone), "wb") as file:
+            file.setparams((1, 2, RATE, 0, "NONE", ""))
+            file.writeframes(tone.tobytes())
+
     def begin(self, command, **options):
         """A program that ends with the test at the latest."""
         process = subprocess.Popen(command, **options)
@@ -70,7 +88,7 @@ class Walk(unittest.TestCase):
     def ask(self, *command):
         return subprocess.run(command, env=self.environment, capture_output=True, text=True, check=False).stdout
 
-    def wait(self, what, happened, seconds=30):
+    def wait(self, what, happened, seconds=60):
         until = time.monotonic() + seconds
         while not happened():
             if time.monotonic() > until:
@@ -81,8 +99,8 @@ class Walk(unittest.TestCase):
 
     def shot(self, name):
         self.shots += 1
-        subprocess.run(["import", "-window", "root", SHOTS / f"{self.shots:02}-{name}.png"], env=self.environment,
-                       check=True)
+        picture = SHOTS / f"{self.id().rpartition('.')[2]}-{self.shots:02}-{name}.png"
+        subprocess.run(["import", "-window", "root", picture], env=self.environment, check=True)
 
     def title(self):
         return self.ask("xdotool", "getactivewindow", "getwindowname").rstrip("\n")
@@ -122,12 +140,30 @@ class Walk(unittest.TestCase):
             listening.terminate()
         return read_wave(file)
 
-    def test_first_hour(self):
+    def record(self, seconds):
+        """A take of the tone that the server plays."""
+        playing = self.begin(["paplay", self.tone], env=self.environment)
+        self.wait("the tone", lambda: max(self.heard(0.3), default=0) > 1000)
+        self.keys("r")
+        time.sleep(seconds)
+        self.shot("recording")
+        self.keys("r")
+        playing.terminate()
+        playing.wait()
+
+    def takes(self, folder):
+        return sorted(folder.glob("*.wav"))
+
+    def start_first(self):
+        """The first start of all, up to the Welcome project."""
         self.start()
         self.wait_title("Velmora")
         self.shot("first-question")
         self.keys("alt+n")
         self.wait_title(r"Velmora \[.*Welcome \(Bar style\)\.audioproj\]")
+
+    def test_first_hour(self):
+        self.start_first()
         self.shot("welcome")
         self.keys("p")
         self.assertGreater(max(self.heard(2)), 1000, "playing is heard")
@@ -178,6 +214,52 @@ class Walk(unittest.TestCase):
         self.wait_end()
         self.assertEqual(saved.read_bytes(), before)
         self.assertEqual((self.folder / "said").read_text(), "")
+
+    def test_takes(self):
+        self.start_first()
+        self.keys("ctrl+n")
+        self.wait_title("Velmora *")
+        folder = self.home / "Documents/Velmora/Project 1"
+        self.record(1.5)
+        self.wait("a take", lambda: len(self.takes(folder)) == 1)
+        self.keys("ctrl+z")
+        self.record(2.5)
+        self.wait("another take", lambda: len(self.takes(folder)) == 2)
+        take = self.takes(folder)[1]
+        self.assertGreater(len(read_wave(take)), 2 * RATE)
+        self.assertAlmostEqual(hertz(read_wave(take)), TONE, delta=5)
+        self.shot("recorded")
+        self.keys("ctrl+s")
+        self.wait_title("Save.*")
+        saved = self.folder / "My takes.audioproj"
+        self.enter(str(saved))
+        self.wait_title(rf"Velmora \[{saved}\]")
+        self.assertEqual(self.clip_files(saved), [take.name])
+        self.keys("alt+F4")
+        self.wait_end()
+
+        self.start(str(saved))
+        self.wait_title(rf"Velmora \[{saved}\]")
+        self.keys("p")
+        self.assertAlmostEqual(hertz(self.heard(2)), TONE, delta=5)
+        self.keys("p")
+        self.keys("alt+f", *COMPRESS)
+        self.wait_title("Compress project")
+        self.keys("alt+y")
+        small = (self.folder / "My takes - Audio files" / take.name).with_suffix(".wma")
+        self.wait("the compressed take", small.exists)
+        time.sleep(1)
+        self.shot("compressed")
+        self.keys("Return")
+        self.wait_title(rf"Velmora \[{saved}\]")
+        self.keys("ctrl+s")
+        self.wait("the save", lambda: self.clip_files(saved) == [small.name])
+        self.keys("alt+F4")
+        self.wait_end()
+        self.assertEqual((self.folder / "said").read_text(), "")
+
+    def clip_files(self, project):
+        return re.findall(r"<FilePath>str: ([^<]*)", project.read_text())
 
 
 if __name__ == "__main__":
