@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kInterval{40};
 
-std::int32_t LevelOf(std::uint32_t stream)
+std::int32_t LevelOf(std::uint32_t stream, bool afterFader)
 {
     if (stream == 0) {
         return 0;
@@ -19,15 +19,21 @@ std::int32_t LevelOf(std::uint32_t stream)
     std::int32_t right = 0;
     GetRMSLevel(stream, &left, &right);
     float volume = 1;
-    BASS_ChannelGetAttribute(stream, BASS_ATTRIB_VOL, &volume);
+    if (afterFader) {
+        BASS_ChannelGetAttribute(stream, BASS_ATTRIB_VOL, &volume);
+    }
     return MeterValue(left, right, volume);
 }
 
 } // namespace
 
 StripMeters::StripMeters(core::Timers& timers, StripView& view, const Stream& output, const Stream& input)
-    : m_output(timers.Create(kInterval, false, [&view, output] { view.ShowLevel(LevelOf(output())); }))
-    , m_input(timers.Create(kInterval, false, [&view, input] { view.ShowInputLevel(LevelOf(input())); }))
+    : m_output(timers.Create(kInterval, false, [&view, output] { view.ShowLevel(LevelOf(output(), true)); }))
+    , m_input(timers.Create(kInterval, false,
+                            [&view, input] {
+                                // What is not heard is recorded all the same.
+                                view.ShowInputLevel(LevelOf(input(), false));
+                            }))
     , m_view(view)
 {
 }

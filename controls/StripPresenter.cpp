@@ -1,5 +1,6 @@
 #include "controls/StripPresenter.h"
 
+#include "audio/Recorder_Class.h"
 #include "controls/MusicFileDialog.h"
 #include "controls/RenameChannel.h"
 #include "core/MsgIds.h"
@@ -43,7 +44,7 @@ void StripPresenter::Initialize_Class(project::ProjectFile_Class& project)
     project.MsgSender->Add_MsgHandlerOBJ(kBusPriority, m_handler);
     m_meters.emplace(
         environment.ports.timers, m_view, [this] { return Channel() ? Channel()->BassOutMix_Handle : 0; },
-        [this] { return m_inputStream && m_recording == m_selected ? m_inputStream() : 0; });
+        [this] { return InputStream(); });
     if (!m_packs) {
         m_packs.emplace(environment, m_kind);
     }
@@ -226,6 +227,17 @@ std::int32_t StripPresenter::ChannelCount() const
     }
     return m_kind == StripKind::Voice ? m_project->Chn_GetVoiceChannel_TotalN()
                                       : m_project->Chn_GetMusicChannel_TotalN();
+}
+
+std::uint32_t StripPresenter::InputStream() const
+{
+    core::ClassID target = core::kUnsetFloat;
+    std::uint32_t stream = 0;
+    // While a take runs, another channel may become the target of the next one.
+    if (m_recording == m_selected) {
+        m_project->Recorder->GetLiveData(target, stream);
+    }
+    return stream;
 }
 
 void StripPresenter::Send(std::int32_t msgID, core::MsgParametersClass& params) const

@@ -62,8 +62,6 @@ public:
     /// Asks for a file and puts it on the channel.
     void LoadMusicFile();
     void SetPlaceQuestion(PlaceQuestion question) { m_askPlace = std::move(question); }
-    /// The stream that is being recorded, for the input meter; 0 for none.
-    void SetInputStream(StripMeters::Stream stream) { m_inputStream = std::move(stream); }
     /// A control that takes text got the keyboard, or lost it.
     void KeyboardFocus(bool got);
 
@@ -80,6 +78,8 @@ private:
     project::Channel_Class* Channel() const;
     project::Channel_Class* ChannelAt(std::int32_t index) const;
     std::int32_t ChannelCount() const;
+    /// What is being recorded on the channel shown; 0 for nothing.
+    std::uint32_t InputStream() const;
     void Send(std::int32_t msgID, core::MsgParametersClass& params) const;
     void SendValue(std::int32_t msgID, double value) const;
 
@@ -93,7 +93,6 @@ private:
     std::optional<StripPacks> m_packs;
     std::optional<StripMeters> m_meters;
     PlaceQuestion m_askPlace;
-    StripMeters::Stream m_inputStream;
 };
 
 } // namespace velmora::controls

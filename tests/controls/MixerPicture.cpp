@@ -1,9 +1,11 @@
 #include "tests/controls/MixerPicture.h"
 
+#include "audio/Recorder_Class.h"
 #include "controls/ChannelFrame.h"
 #include "controls/Drawing.h"
 #include "controls/MasterPanel.h"
 #include "controls/Theme.h"
+#include "tests/audio/ScriptedCapture.h"
 #include "tests/project/ProjectFixture.h"
 
 #include <QPainter>
@@ -25,6 +27,8 @@ protected:
 
 class Song : public project::ProjectTest {
 public:
+    ~Song() override { m_project.reset(); } // before its device
+
     QPixmap Picture()
     {
         Deck deck;
@@ -46,12 +50,14 @@ public:
             Empty();
         }
         const QPixmap picture = deck.grab();
+        Send(core::Msg_Recorder_Stop);
         music.Release();
         voice.Release();
         return picture;
     }
 
     bool m_withChannels = true;
+    audio::ScriptedCapture m_device;
 
 private:
     void TestBody() override {}
@@ -70,9 +76,8 @@ private:
         SendToChannel(core::Msg_Channel_SetPan, vocal, -30);
         SendToChannel(core::Msg_Channel_SetGain, vocal, 5);
         SendToChannel(core::Msg_Channel_SetLive, vocal, core::kTrue);
-        core::MsgParametersClass take;
-        take.ChannelID = vocal;
-        Send(core::Msg_Recorder_Start, take);
+        m_project->Recorder->InputDeviceOverride = m_device.Number();
+        Send(core::Msg_Recorder_Start);
         WriteSound("Rainy days - band.wav");
         AddClip(Music(0), 0, "Rainy days - band.wav");
     }

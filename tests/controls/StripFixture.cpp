@@ -15,11 +15,9 @@ StripTest::StripTest()
     m_voice.setGeometry(355, 0, 327, 332);
     project::ProjectFile_Class& project = Restart();
     m_listener = std::make_shared<core::MsgHandlerClass>(
-        m_environment->ids, [this](std::int32_t /*senderID*/, std::int32_t msgID, core::MsgParametersClass& params) {
+        m_environment->ids,
+        [this](std::int32_t /*senderID*/, std::int32_t msgID, const core::MsgParametersClass& params) {
             m_passed.push_back({msgID, params.ChannelID, params.Value});
-            if (m_onMessage) {
-                m_onMessage(msgID, params);
-            }
         });
     project.MsgSender->Add_MsgHandlerOBJ(20, m_listener);
     m_music.Initialize_Class(project);

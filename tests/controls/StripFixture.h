@@ -5,7 +5,6 @@
 
 #include <QString>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -45,8 +44,6 @@ protected:
     MusicFrame_UserCtrl m_music{&m_window};
     VoiceFrame_UserCtrl m_voice{&m_window};
     std::vector<Passed> m_passed;
-    /// Runs before the strips and behind the document, for each message.
-    std::function<void(std::int32_t msgID, core::MsgParametersClass& params)> m_onMessage;
 
 private:
     std::shared_ptr<core::MsgHandlerClass> m_listener;

@@ -1,7 +1,9 @@
+#include "audio/Recorder_Class.h"
 #include "controls/Labels.h"
 #include "controls/imgButton.h"
 #include "controls/imgScroll.h"
 #include "project/Undo_Class.h"
+#include "tests/audio/ScriptedCapture.h"
 #include "tests/controls/StripFixture.h"
 
 #include <QtTest>
@@ -127,15 +129,18 @@ TEST_F(StripTest, SwitchesSendAndShowWhatTheModelSays)
     EXPECT_TRUE(Music(0).Solo);
     EXPECT_EQ(m_project->Undo->CurUndo_Title(), "");
 
-    // What listens for the input may refuse, before the strip hears of it.
-    m_onMessage = [this](std::int32_t msgID, core::MsgParametersClass& params) {
-        if (msgID == core::Msg_Channel_SetLive) {
-            Voice(0).LiveStatus = false;
-            params.CancelDelivery = true;
-        }
-    };
+    // A device may refuse to be heard.
+    const audio::ScriptedCapture refusing({}, true);
+    audio::ScriptedCapture willing;
+    m_project->Recorder->InputDeviceOverride = refusing.Number();
     QTest::mouseClick(&live, Qt::LeftButton);
-    EXPECT_EQ(m_passed.back().value, core::kTrue);
+    EXPECT_FALSE(Voice(0).LiveStatus);
+    EXPECT_FALSE(live.Value());
+    m_project->Recorder->InputDeviceOverride = willing.Number();
+    QTest::mouseClick(&live, Qt::LeftButton);
+    EXPECT_TRUE(Voice(0).LiveStatus);
+    EXPECT_TRUE(live.Value());
+    Send(core::Msg_AllChannelsLiveOff);
     EXPECT_FALSE(live.Value());
 }
 
