@@ -75,10 +75,11 @@ class Installed(unittest.TestCase):
 
     def test_program_files_are_there_and_nothing_else(self):
         files = {str(path.relative_to(self.prefix / "share/velmora")) for path in self.files("share/velmora")}
-        self.assertTrue({"paths.cfg", "sounds/hihat.wav"} <= files, files)
+        self.assertTrue({"paths.cfg", "sounds/hihat.wav", "help/html/introduction.html"} <= files, files)
         stray = [name for name in files if re.search(r"\.(py|pyc|qrc|dat)$|(^|/)\.", name)]
         self.assertEqual(stray, [])
-        self.assertTrue((self.prefix / "share/man/man1/velmora-render.1").exists())
+        pages = {page.stem for page in self.files("share/man/man1")}
+        self.assertEqual(pages, {program.name for program in (self.prefix / "bin").iterdir()})
 
     def test_desktop_knows_the_program_and_its_files(self):
         entry = configparser.ConfigParser(interpolation=None)
