@@ -107,6 +107,7 @@ void EffectList::Reorder(std::span<const std::pair<const EffectSlot*, std::int32
     std::ranges::stable_sort(order, {}, [this](std::size_t i) { return m_entries[i].priority; });
     const std::vector<std::size_t> staying = LongestRisingPart(order);
     std::vector<std::pair<std::shared_ptr<EffectSlot>, bool>> ordered;
+    ordered.reserve(order.size());
     for (const std::size_t i : order) {
         ordered.emplace_back(m_entries[i].slot, std::ranges::binary_search(staying, i));
     }
