@@ -228,7 +228,7 @@ std::string Recorder_Class::StartMonitoring(const project::Channel_Class& channe
     m_monitor = std::make_unique<LiveInput>(m_environment);
     m_monitor->Input.InputDevice = InputDeviceOverride;
     if (!m_monitor->Start(channel.BassInMix_Handle, true)) {
-        const std::string error = m_monitor->LastErrorMessage();
+        std::string error = m_monitor->LastErrorMessage();
         m_monitor.reset();
         return error;
     }

@@ -1,5 +1,6 @@
 #include "project/internal/RepeatRecording.h"
 
+#include "audio/Recorder_Class.h"
 #include "core/MsgIds.h"
 #include "core/Units.h"
 #include "project/ProjectFile_Class.h"
@@ -13,7 +14,8 @@ void RepeatRecording(ProjectFile_Class& project, std::int32_t timePos, core::Cla
         project.MsgSender->SendMsg(core::RoundToInt(project.ClassID()), msgID, params);
     };
     project.util_StopIfPlayingOrRecording();
-    if (project.Undo->CurUndo_Title() == "Undo recording") {
+    const bool drops = project.Undo->CurUndo_Title() == "Undo recording";
+    if (drops) {
         project.Undo->Undo();
     }
     core::MsgParametersClass select;
@@ -24,6 +26,13 @@ void RepeatRecording(ProjectFile_Class& project, std::int32_t timePos, core::Cla
     range.PlayToMS = timePos;
     send(core::Msg_Player_SetRange, range);
     send(core::Msg_Recorder_Start, {});
+    if (!project.Recorder->isRecording()) {
+        if (drops) {
+            project.Undo->Redo();
+        }
+        project.LastRecTimePos = timePos;
+        project.LastRecChannelID = core::RoundToInt(channelID);
+    }
 }
 
 } // namespace velmora::project

@@ -94,9 +94,10 @@ std::vector<TakeRecovery::Found> TakeRecovery::FindIn(const std::string& folder)
     const auto used = m_project.util_AudioFilesInUse();
     std::vector<Found> takes;
     for (const std::string& name : files.ListFiles(folder, kJournals)) {
-        const std::string wavPath = audio::TakeJournal::SoundOf(folder + '\\' + name);
+        const std::string journalPath = std::string(folder).append("\\").append(name);
+        const std::string wavPath = audio::TakeJournal::SoundOf(journalPath);
         if (!files.FileExists(wavPath) || (own && used.contains(core::FileNameOfPath(wavPath)))) {
-            files.DeleteFile(folder + '\\' + name);
+            files.DeleteFile(journalPath);
         } else {
             takes.push_back({wavPath, audio::TakeJournal::Read(files, wavPath), own});
         }

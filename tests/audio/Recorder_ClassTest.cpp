@@ -308,6 +308,13 @@ TEST_F(RecorderClass, RepeatsTheLastTakeInItsPlace)
     EXPECT_THAT(Clips(Voice(1)), IsEmpty());
     EXPECT_THAT(Files(), ElementsAre("a0- Record 1.wav", "a0- Record 2.wav", "a0- Record 3.take", "a0- Record 3.wav"));
 
+    m_environment.files.freeBytes = 0;
+    ASSERT_TRUE(m_project->util_RepeatLastRecording());
+    EXPECT_THAT(Clips(Voice(0)), ElementsAre("a0- Record 3.wav at 2000")) << "the take is dropped for another only";
+    m_environment.files.freeBytes.reset();
+    ASSERT_TRUE(m_project->util_RepeatLastRecording());
+    EXPECT_TRUE(Recorder().isRecording());
+    Stop();
     m_project->Undo->AddUndo("edit", project::kUndoMarks);
     EXPECT_FALSE(m_project->util_RepeatLastRecording()) << "other edits came since";
 }

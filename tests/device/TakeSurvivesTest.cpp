@@ -84,6 +84,31 @@ int Kills()
     return wanted ? std::atoi(wanted) : 3;
 }
 
+/// The start of the program, without ears.
+std::unique_ptr<audio::SoundSession> Begin(testing::TestEnvironment& environment)
+{
+    environment->config.Global_OutputDevice = 0;
+    core::ClearAbandonedProjects(*environment);
+    return audio::SoundSession::Start(*environment);
+}
+
+TEST(TakeSurvives, AnotherStartOfTheProgram)
+{
+    testing::AudioServer server;
+    server.Start();
+    testing::TestEnvironment environment;
+    const OtherProgram other(environment.folder);
+    ASSERT_TRUE(testing::Becomes([&] { return other.Told().ms >= 0; })) << "it does not record";
+    const auto session = Begin(environment);
+    ProjectFile_Class project(*environment);
+    project.InitializeClass();
+    ASSERT_TRUE(project.CreateNewProject());
+    project.util_OfferAbandonedTakes();
+    EXPECT_TRUE(environment.ports.messages.asked.empty());
+    const std::int64_t bytes = other.Told().bytes;
+    EXPECT_TRUE(testing::Becomes([&] { return other.Told().bytes > bytes; })) << "it goes on recording";
+}
+
 /// Whatever moment a kill comes at, what was written is offered by the next start.
 TEST(TakeSurvives, AKillAtAnyMoment)
 {
@@ -101,11 +126,9 @@ TEST(TakeSurvives, AKillAtAnyMoment)
             told = other.Told();
         }
         const std::string wav = core::InternalPath(told.path);
-        environment->config.Global_OutputDevice = 0;
-        const auto session = audio::SoundSession::Start(*environment);
+        const auto session = Begin(environment);
         ProjectFile_Class project(*environment);
         project.InitializeClass();
-        core::ClearAbandonedProjects(*environment);
         ASSERT_TRUE(project.CreateNewProject());
         bool failed = true;
         const std::int64_t lengthMS = core::GetAudioFileLengthMS(wav, &failed);
