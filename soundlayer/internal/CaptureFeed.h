@@ -9,8 +9,6 @@
 #include <semaphore>
 #include <vector>
 
-#include <readerwriterqueue/readerwriterqueue.h>
-
 namespace velmora::soundlayer {
 
 /// What a record device delivers on its way from the device's callback to one reader.
@@ -49,7 +47,10 @@ private:
     const std::size_t m_channels;
     const std::size_t m_wakeFrames;
     SampleRing m_ring;
-    moodycamel::ReaderWriterQueue<Arrival> m_arrivals;
+    /// Those from `m_taken` to `m_put` wait, each in the place of its number.
+    std::vector<Arrival> m_arrivals = std::vector<Arrival>(kBlocks);
+    std::atomic<std::size_t> m_put{0};
+    std::atomic<std::size_t> m_taken{0};
     std::counting_semaphore<> m_arrived{0};
     std::atomic<bool> m_deviceLost{false};
     /// Of the device's thread.

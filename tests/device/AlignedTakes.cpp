@@ -131,9 +131,15 @@ AlignedTakes::Take AlignedTakes::LookAt(std::int32_t startMS, const AudioInput_C
     for (std::size_t i = 1; i < clicksMS.size(); ++i) {
         take.disturbed = take.disturbed || std::abs(clicksMS[i] - clicksMS[i - 1] - kClickEveryMS) > 0.1;
     }
-    if (!clicksMS.empty()) {
-        const double onTimeline = clicksMS.front() - take.fileStartMS + startMS;
-        take.errorMS = onTimeline - std::round(onTimeline / kClickEveryMS) * kClickEveryMS;
+    std::vector<double> errors;
+    for (const double click : clicksMS) {
+        const double onTimeline = click - take.fileStartMS + startMS;
+        errors.push_back(onTimeline - std::round(onTimeline / kClickEveryMS) * kClickEveryMS);
+    }
+    if (!errors.empty()) {
+        const auto middle = errors.begin() + static_cast<std::ptrdiff_t>(errors.size() / 2);
+        std::ranges::nth_element(errors, middle);
+        take.errorMS = *middle;
     }
     return take;
 }

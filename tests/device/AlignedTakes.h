@@ -22,7 +22,7 @@ public:
     AlignedTakes& operator=(const AlignedTakes&) = delete;
 
     struct Take {
-        /// How much later than the clip that plays the take would play, in ms.
+        /// How much later than the clip that plays the take would play, in ms: of its clicks the middle one.
         double errorMS = 0;
         /// The distances of the clicks in the take are not those of the clip, none were found, or the buffer ran dry:
         /// the machine had no time, so that what was heard was moved in mid-take.
