@@ -232,7 +232,8 @@ void Capture::Arrive(Block block)
         // Silence was put up to some time ago, or a little beyond where this block begins.
         m_state = CaptureState::Delivering;
         const std::int64_t missing = FramesIn(Lateness(frames, arrival.end));
-        const auto twice = static_cast<std::size_t>(std::clamp<std::int64_t>(-missing, 0, frames - arrival.lost));
+        const auto twice =
+            static_cast<std::size_t>(std::clamp<std::int64_t>(-missing, 0, static_cast<std::int64_t>(arrival.frames)));
         block.samples.erase(block.samples.begin(),
                             block.samples.begin() + static_cast<std::ptrdiff_t>(twice * m_format.channels));
         block.arrival.frames -= twice;

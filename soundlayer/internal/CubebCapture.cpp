@@ -8,11 +8,13 @@
 namespace velmora::soundlayer {
 
 namespace {
-/// What the device is asked to hold. PulseAudio delivers a quarter of it at once.
+/// What the device is asked to hold. PulseAudio delivers a quarter of it at once, and no more than a sink takes at
+/// once, so that a monitor's blocks are the sink's.
 constexpr std::uint32_t kDeviceMS = 10;
-constexpr std::uint32_t kBlocks = 4;
-/// So PulseAudio calls what a sink plays. It comes when the sink takes it, that is a block before it is heard.
+/// So PulseAudio calls what a sink plays. A block of it comes when the sink takes it, that is when its first frame is
+/// heard; it may come in pieces, one right behind the other.
 constexpr std::string_view kMonitor = ".monitor";
+constexpr std::chrono::milliseconds kBetweenPieces{1};
 
 std::uint32_t DeviceFrames(std::uint32_t rate)
 {
@@ -95,9 +97,17 @@ void CubebCapture::OnData(cubeb_stream* stream, const std::int16_t* in, long fra
     if (cubeb_stream_get_input_latency(stream, &latency) != CUBEB_OK) {
         latency = 0;
     }
-    const std::int64_t behind =
-        m_isMonitor ? -std::int64_t{DeviceFrames(m_format.rate) / kBlocks} : std::int64_t{latency};
-    m_callback({in, static_cast<std::size_t>(frames), called - TimeOfFrames(behind, m_format.rate)});
+    auto end = called - TimeOfFrames(latency, m_format.rate);
+    if (m_isMonitor) {
+        if (called - m_lastPiece > kBetweenPieces) {
+            m_block = called;
+            m_blockFrames = 0;
+        }
+        m_lastPiece = called;
+        m_blockFrames += frames;
+        end = m_block + TimeOfFrames(m_blockFrames, m_format.rate);
+    }
+    m_callback({in, static_cast<std::size_t>(frames), end});
 }
 
 } // namespace velmora::soundlayer

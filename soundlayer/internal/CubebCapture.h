@@ -26,6 +26,10 @@ private:
     const std::string m_backend;
     const std::string m_id;
     const bool m_isMonitor;
+    /// Of a monitor: when the block under way began to come, and how much of it has. Of the device's thread.
+    SoundClock::time_point m_block;
+    SoundClock::time_point m_lastPiece;
+    std::int64_t m_blockFrames = 0;
     Callback m_callback;
     LostNotice m_lost;
     AudioFormat m_format;
