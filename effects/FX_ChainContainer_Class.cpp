@@ -89,7 +89,16 @@ void FX_ChainContainer_Class::Restart(const std::function<void()>& change)
 
 void FX_ChainContainer_Class::Bypass(bool bypassed)
 {
-    Restart([&] { m_bypassed = bypassed; });
+    const GraphEdit edit;
+    m_bypassed = bypassed;
+    for (const auto& chain : m_chains) {
+        for (FxItem& item : chain->m_items) {
+            chain->Detach(item);
+            if (!bypassed && item.Enable && chain->BassStream_Handle != 0) {
+                chain->Attach(item);
+            }
+        }
+    }
 }
 
 void FX_ChainContainer_Class::Begin(Sounding& sounding)

@@ -53,7 +53,7 @@ public:
     /// and kind, sounds on with its tail, and nobody else notices. Chains that work on copies of the input lose their
     /// tails with the copies.
     void Restart(const std::function<void()>& change);
-    /// Takes all effects off the stream, and puts them on it anew, without what they had in memory.
+    /// Takes all effects off their streams, or puts them there anew, without what they had in memory.
     void Bypass(bool bypassed);
 
     std::string GetXMLData() const { return GetSharedXML().Text(); }
