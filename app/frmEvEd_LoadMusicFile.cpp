@@ -27,27 +27,30 @@ frmEvEd_LoadMusicFile::frmEvEd_LoadMusicFile(project::ProjectFile_Class& project
                                              QWidget* parent)
     : QDialog(parent)
     , m_project(project)
-    , Option1_0(new QRadioButton("Start (0:00.0)", this))
-    , Option1_1(new QRadioButton(ToQt("Current (" + core::FormatTimePos(project.Player_LTimePos(), false) + ")"), this))
-    , Option1_2(new QRadioButton("After:", this))
-    , Combo1(new controls::Combo(this))
+    , m_start(new QRadioButton("Start (0:00.0)", this))
+    , m_cursor(new QRadioButton(ToQt("Current (" + core::FormatTimePos(project.Player_LTimePos(), false) + ")"), this))
+    , m_after(new QRadioButton("After:", this))
+    , m_events(new controls::Combo(this))
 {
     setWindowTitle("Load music file");
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     rows->setSpacing(kRowSpacing);
-    rows->addWidget(Option1_0);
-    rows->addWidget(Option1_1);
+    rows->addWidget(m_start);
+    rows->addWidget(m_cursor);
     auto* after = new QHBoxLayout;
-    after->addWidget(Option1_2);
-    after->addWidget(Combo1);
+    after->addWidget(m_after);
+    after->addWidget(m_events);
     rows->addLayout(after);
-    Option1_0->setChecked(true);
-    Combo1->setObjectName("Combo1");
-    Combo1->setAccessibleName("Event");
-    Combo1->setMinimumWidth(kListWidth);
+    m_start->setObjectName("Option1_0");
+    m_cursor->setObjectName("Option1_1");
+    m_after->setObjectName("Option1_2");
+    m_start->setChecked(true);
+    m_events->setObjectName("Combo1");
+    m_events->setAccessibleName("Event");
+    m_events->setMinimumWidth(kListWidth);
     ListEvents(channel);
-    connect(Combo1, &controls::Combo::activated, Option1_2, [this] { Option1_2->setChecked(true); });
+    connect(m_events, &controls::Combo::activated, m_after, [this] { m_after->setChecked(true); });
 
     auto* buttons = new QHBoxLayout;
     auto* ok = new QPushButton("OK", this);
@@ -74,13 +77,13 @@ void frmEvEd_LoadMusicFile::ListEvents(core::ClassID channel)
             m_ends.push_back(row->TimePos + m_project.util_GetEventOBJ_Length(*row->EventOBJ));
         }
     }
-    Combo1->SetItems(texts);
+    m_events->SetItems(texts);
 }
 
 void frmEvEd_LoadMusicFile::accept()
 {
-    if (Option1_2->isChecked()) {
-        const int index = Combo1->currentIndex();
+    if (m_after->isChecked()) {
+        const int index = m_events->currentIndex();
         if (index < 0) {
             m_project.Environment().ports.messages.Show("Please select an event from the list",
                                                         core::Icon::Exclamation);
@@ -88,7 +91,7 @@ void frmEvEd_LoadMusicFile::accept()
         }
         m_position = m_ends.at(static_cast<std::size_t>(index));
     } else {
-        m_position = Option1_1->isChecked() ? m_project.Player_LTimePos() : 0;
+        m_position = m_cursor->isChecked() ? m_project.Player_LTimePos() : 0;
     }
     QDialog::accept();
 }

@@ -32,10 +32,10 @@ private:
     void ListEvents(core::ClassID channel);
 
     project::ProjectFile_Class& m_project;
-    QRadioButton* Option1_0;
-    QRadioButton* Option1_1;
-    QRadioButton* Option1_2;
-    controls::Combo* Combo1;
+    QRadioButton* m_start;
+    QRadioButton* m_cursor;
+    QRadioButton* m_after;
+    controls::Combo* m_events;
     /// Where the clips of the list end, ms.
     std::vector<double> m_ends;
     std::optional<double> m_position;

@@ -64,6 +64,7 @@ private:
 
     void Fill()
     {
+        m_project->Recorder->InputDeviceOverride = m_device.Number();
         Send(core::Msg_AddMusicChannel);
         const core::ClassID band = Music(0).ClassID();
         const core::ClassID vocal = Voice(0).ClassID();
@@ -76,7 +77,6 @@ private:
         SendToChannel(core::Msg_Channel_SetPan, vocal, -30);
         SendToChannel(core::Msg_Channel_SetGain, vocal, 5);
         SendToChannel(core::Msg_Channel_SetLive, vocal, core::kTrue);
-        m_project->Recorder->InputDeviceOverride = m_device.Number();
         Send(core::Msg_Recorder_Start);
         WriteSound("Rainy days - band.wav");
         AddClip(Music(0), 0, "Rainy days - band.wav");
