@@ -83,14 +83,14 @@ void ProjectCompression::Run()
 void ProjectCompression::Collect()
 {
     m_takes.clear();
-    m_clipFiles.clear();
+    m_takenFiles.clear();
     m_allBytes = 0;
     std::set<std::string> seen;
     std::vector<std::string> names;
     for (const auto& event : WaveEvents()) {
         const std::string& path = event->FilePath;
         const std::string file = FileOf(path);
-        m_clipFiles.insert(file);
+        m_takenFiles.insert(file);
         if (InProjectFolder(path) && core::LowerCase(path).ends_with(kWaveEnding) && seen.insert(file).second) {
             names.push_back(path);
         }
@@ -101,6 +101,7 @@ void ProjectCompression::Collect()
         take.file = FileOf(name);
         take.bytes = static_cast<double>(std::max<std::int64_t>(m_environment.files.FileLength(take.file), 0));
         take.newName = NewName(name);
+        m_takenFiles.insert(FileOf(take.newName));
         m_allBytes += take.bytes;
         m_takes.push_back(std::move(take));
     }
@@ -111,10 +112,8 @@ std::string ProjectCompression::NewName(const std::string& name) const
     return FreeName(core::FileExtensionCut(name), ".wma", [this](const std::string& candidate) {
         const std::string file = FileOf(candidate);
         const core::Files& files = m_environment.files;
-        const auto isFile = [&](const std::string& clipFile) { return files.SameFile(clipFile, file); };
-        return m_clipFiles.contains(file) ||
-               std::ranges::any_of(m_takes, [&](const Take& take) { return FileOf(take.newName) == file; }) ||
-               (files.FileExists(file) && std::ranges::any_of(m_clipFiles, isFile));
+        const auto isFile = [&](const std::string& taken) { return files.SameFile(taken, file); };
+        return m_takenFiles.contains(file) || (files.FileExists(file) && std::ranges::any_of(m_takenFiles, isFile));
     });
 }
 

@@ -82,8 +82,8 @@ private:
     project::ProjectFile_Class& m_project;
     CompressionProgress& m_progress;
     std::vector<Take> m_takes;
-    /// Files of all clips, absolute.
-    std::set<std::string> m_clipFiles;
+    /// Files of all clips, and those to come, absolute.
+    std::set<std::string> m_takenFiles;
     double m_allBytes = 0;
     std::size_t m_errors = 0;
     std::string m_errorLog;
