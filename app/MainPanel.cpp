@@ -59,6 +59,13 @@ MainPanel::MainPanel(QWidget* parent)
     , EventsEditor(Reserve("EventsEditor", theme::Ground))
 {
     setMinimumSize(kMinimumWidth, kMinimumHeight);
+    CoolToolBar1->setObjectName("CoolToolBar1");
+    LCDLabel->setObjectName("LCDLabel");
+    MarksCombo->setObjectName("MarksCombo");
+    MusicFrame->setObjectName("MusicFrame");
+    VoiceFrame->setObjectName("VoiceFrame");
+    Pic_MasterVol->setObjectName("Pic_MasterVol");
+    Label2->setObjectName("Label2");
     LCDLabel->setGeometry(kTimePlace);
     MarksCombo->setGeometry(kMarksPlace);
     MarksCombo->setToolTip("Marks");

@@ -2,10 +2,13 @@
 
 #include "app/QtText.h"
 #include "app/ShownText.h"
+#include "controls/Drawing.h"
+#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPainter>
 
 namespace velmora::app {
 namespace {
@@ -42,11 +45,34 @@ QMessageBox::StandardButtons QtButtons(core::Buttons buttons)
     return QMessageBox::Yes | QMessageBox::No;
 }
 
+/// A round mark with a sign in the look's colours; none for a box without an icon.
+QPixmap Mark(core::Icon icon)
+{
+    namespace theme = controls::theme;
+    constexpr int kSize = 32;
+    const double scale = qApp->devicePixelRatio();
+    QPixmap mark(QSize(kSize, kSize) * scale);
+    mark.setDevicePixelRatio(scale);
+    mark.fill(Qt::transparent);
+    QPainter painter(&mark);
+    const QRectF round(0, 0, kSize, kSize);
+    const bool critical = icon == core::Icon::Critical;
+    controls::FillRound(painter, round, kSize / 2.0, critical ? theme::Accent : theme::AccentDim);
+    painter.setPen(critical ? theme::AccentInk : theme::AccentHi);
+    painter.setFont(theme::Font(18, QFont::DemiBold));
+    const char* sign = icon == core::Icon::Question ? "?" : icon == core::Icon::Information ? "i" : "!";
+    controls::DrawLine(painter, round, Qt::AlignHCenter, sign);
+    return mark;
+}
+
 int Run(core::Icon icon, std::string_view title, std::string_view text, QMessageBox::StandardButtons buttons,
         const std::string& note = {})
 {
     QMessageBox box(QtIcon(icon), ToQt(title), ToQt(ShownText(text)), buttons, QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
+    if (icon != core::Icon::None) {
+        box.setIconPixmap(Mark(icon));
+    }
     if (!note.empty()) {
         box.setInformativeText(ToQt(note));
     }

@@ -24,7 +24,7 @@ const std::vector<core::FileType>& ProjectTypes()
 Workspace::Workspace(core::Environment& environment, WorkspaceListener& listener)
     : m_environment(environment)
     , m_listener(listener)
-    , timer_UpdateEventsEditor(environment.ports.timers.Create(kFirstRedrawDelay, true, [this] { Refresh(); }))
+    , m_refreshTimer(environment.ports.timers.Create(kFirstRedrawDelay, true, [this] { Refresh(); }))
 {
 }
 
@@ -142,7 +142,7 @@ bool Workspace::LoadFile(const std::string& path)
     }
     m_environment.recent.AddFile(path);
     m_listener.PathsChanged();
-    timer_UpdateEventsEditor->Start();
+    m_refreshTimer->Start();
     return true;
 }
 

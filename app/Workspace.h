@@ -77,8 +77,8 @@ private:
     core::Environment& m_environment;
     WorkspaceListener& m_listener;
     std::unique_ptr<project::ProjectFile_Class> m_project;
-    /// Delays the first full redraw of a loaded project until the window has been laid out.
-    std::unique_ptr<core::Timer> timer_UpdateEventsEditor;
+    /// `timer_UpdateEventsEditor`: delays the first full redraw of a loaded project until the window has been laid out.
+    std::unique_ptr<core::Timer> m_refreshTimer;
 };
 
 } // namespace velmora::app

@@ -26,17 +26,21 @@ frmCompressProject::frmCompressProject(core::Environment& environment, project::
                                        QWidget* parent)
     : QDialog(parent)
     , m_compression(environment, project, *this)
-    , Label_SrcFile(new ElidedLabel(this))
-    , Label_DestFile(new ElidedLabel(this))
-    , Label_FileN(new QLabel(this))
-    , ProgressBar(new controls::VUMeter_UserCtrl(this))
+    , m_source(new ElidedLabel(this))
+    , m_destination(new ElidedLabel(this))
+    , m_fileNumber(new QLabel(this))
+    , m_progress(new controls::VUMeter_UserCtrl(this))
     , m_left(new QLabel(this))
 {
     setWindowTitle("Compress project");
     setWindowModality(Qt::ApplicationModal);
     setFixedSize(kSize);
-    ProgressBar->SetMaxValue(kBarMax);
-    ProgressBar->setAccessibleName("Progress");
+    m_source->setObjectName("Label_SrcFile");
+    m_destination->setObjectName("Label_DestFile");
+    m_fileNumber->setObjectName("Label_FileN");
+    m_progress->setObjectName("ProgressBar");
+    m_progress->SetMaxValue(kBarMax);
+    m_progress->setAccessibleName("Progress");
     int top = kMargin;
     const auto row = [this, &top](const char* caption, QWidget* value) {
         auto* label = new QLabel(caption, this);
@@ -44,14 +48,15 @@ frmCompressProject::frmCompressProject(core::Environment& environment, project::
         value->setGeometry(kMargin + kCaption, top, kInside - kCaption, kLine);
         top += kLine;
     };
-    row("Source:", Label_SrcFile);
-    row("Dest:", Label_DestFile);
-    row("File:", Label_FileN);
-    row("Progress:", ProgressBar);
-    ProgressBar->setGeometry(kMargin + kCaption - 5, top - kLine + 4, 220, 14);
+    row("Source:", m_source);
+    row("Dest:", m_destination);
+    row("File:", m_fileNumber);
+    row("Progress:", m_progress);
+    m_progress->setGeometry(kMargin + kCaption - 5, top - kLine + 4, 220, 14);
 
     auto* cancel = new QPushButton("Cancel", this);
     cancel->setObjectName("Command1");
+    cancel->setAutoDefault(false);
     const int lastLine = kSize.height() - kMargin - controls::theme::kControlHeight;
     m_left->setGeometry(kMargin, lastLine, kInside / 2, controls::theme::kControlHeight);
     cancel->setGeometry(kMargin + kInside - 86, lastLine, 86, controls::theme::kControlHeight);
@@ -74,14 +79,14 @@ void frmCompressProject::reject()
 void frmCompressProject::ShowFile(std::size_t number, std::size_t total, const std::string& source,
                                   const std::string& destination)
 {
-    Label_SrcFile->SetText(ToQt(ShownPath(source)));
-    Label_DestFile->SetText(ToQt(ShownPath(destination)));
-    Label_FileN->setText(QString("%1/%2").arg(number).arg(total));
+    m_source->SetText(ToQt(ShownPath(source)));
+    m_destination->SetText(ToQt(ShownPath(destination)));
+    m_fileNumber->setText(QString("%1/%2").arg(number).arg(total));
 }
 
 void frmCompressProject::Update(double file, double run)
 {
-    ProgressBar->SetValue(static_cast<std::int32_t>(file * kBarMax));
+    m_progress->SetValue(static_cast<std::int32_t>(file * kBarMax));
     m_left->setText(TimeLeftText(m_elapsed.elapsed(), run));
 }
 

@@ -36,10 +36,10 @@ private:
     void Update(double file, double run) override;
 
     audio::ProjectCompression m_compression;
-    ElidedLabel* Label_SrcFile;
-    ElidedLabel* Label_DestFile;
-    QLabel* Label_FileN;
-    controls::VUMeter_UserCtrl* ProgressBar;
+    ElidedLabel* m_source;
+    ElidedLabel* m_destination;
+    QLabel* m_fileNumber;
+    controls::VUMeter_UserCtrl* m_progress;
     QLabel* m_left;
     QElapsedTimer m_elapsed;
 };

@@ -52,7 +52,8 @@ frmExportAudio::frmExportAudio(core::Environment& environment, project::ProjectF
     const int lastLine = kSize.height() - kMargin - controls::theme::kControlHeight;
     muteCheck->setGeometry(kMargin, lastLine, 120, controls::theme::kControlHeight);
     cancel->setGeometry(kMargin + kInside - 86, lastLine, 86, controls::theme::kControlHeight);
-    cancel->setFocus();
+    // Return must not end it.
+    cancel->setAutoDefault(false);
     connect(muteCheck, &QCheckBox::toggled, this, std::move(mute));
     connect(cancel, &QPushButton::clicked, this, &frmExportAudio::reject);
 }
