@@ -2,6 +2,7 @@
 #include "audio/AudioExport.h"
 #include "audio/AudioPlayer_Class.h"
 #include "audio/Metronome_Class.h"
+#include "audio/Recorder_Class.h"
 #include "controls/ChannelFrame.h"
 #include "controls/Combo.h"
 #include "controls/CoolToolBar.h"
@@ -10,6 +11,7 @@
 #include "controls/imgButton.h"
 #include "core/Paths.h"
 #include "tests/app/AppFixture.h"
+#include "tests/audio/ScriptedCapture.h"
 #include "tests/audio/SoundFixture.h"
 
 #include <QApplication>
@@ -155,6 +157,35 @@ TEST_F(MainWindowTest, ClosingAsksAndMayBeCancelled)
     m_window->close();
     EXPECT_FALSE(Playing());
     EXPECT_FALSE(m_window->isVisible());
+}
+
+TEST_F(MainWindowTest, ATakeIsShownKeptAndRepeated)
+{
+    audio::ScriptedCapture device;
+    Project().Recorder->InputDeviceOverride = device.Number();
+    const project::Channel_Class& voice = *Project().Chn_GetVoiceChannelObj_by_Index(0);
+    Press(Qt::Key_R);
+    ASSERT_TRUE(Project().Recorder->isRecording()) << m_ports.messages.LastText();
+    EXPECT_TRUE(Panel().CoolToolBar1->GetButton(MainToolBar::Record)->Value());
+    device.Deliver(500, 1000);
+
+    // Closing ends the take, asks, and loses nothing when the user thinks again.
+    m_ports.messages.Expect(core::Answer::Cancel);
+    m_window->close();
+    EXPECT_TRUE(m_window->isVisible());
+    EXPECT_FALSE(Project().Recorder->isRecording());
+    EXPECT_FALSE(Panel().CoolToolBar1->GetButton(MainToolBar::Record)->Value());
+    EXPECT_GT(voice.Length(), 0);
+
+    ASSERT_TRUE(Panel().CoolToolBar1->ButtonEnabled(MainToolBar::Repeat));
+    Press(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_TRUE(Project().Recorder->isRecording());
+    EXPECT_EQ(voice.Length(), 0) << "the take before is gone";
+    device.Deliver(500, 1000);
+    Press(Qt::Key_R, Qt::ShiftModifier);
+    EXPECT_FALSE(Project().Recorder->isRecording()) << "R stops with any other key held";
+    EXPECT_GT(voice.Length(), 0);
+    m_startup->ShutDown();
 }
 
 TEST_F(MainWindowTest, ExportSaysWhereTheFileIs)
