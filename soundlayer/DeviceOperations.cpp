@@ -189,6 +189,7 @@ void Sound_SetThreads(uint32_t threads)
 {
     Operation(0, [&] {
         Library::Get().readAhead.SetThreads(threads);
+        Library::Get().pullHelpers.SetThreads(threads);
         return 0;
     });
 }

@@ -28,7 +28,7 @@ HSTREAM BASS_Mixer_StreamCreate(uint32_t freq, uint32_t chans, uint32_t flags)
         if (freq == 0 || chans != 2) {
             return Fail(SOUND_ERROR_PARAM, HSTREAM{0});
         }
-        return Library::Get().Register(std::make_shared<MixerStream>(freq, flags));
+        return Library::Get().Register(std::make_shared<MixerStream>(freq, flags, &Library::Get().pullHelpers));
     });
 }
 

@@ -211,7 +211,7 @@ uint32_t BASS_ChannelGetData(uint32_t handle, void* buffer, uint32_t length)
         if (!stream) {
             return UINT32_MAX;
         }
-        if (!OnMixingThread()) {
+        if (!OnMixingThread() && !InSharedPull()) {
             if (library.Sounding(*stream)) {
                 return Fail(SOUND_ERROR_DECODE, UINT32_MAX);
             }

@@ -26,7 +26,8 @@ typedef uint32_t HENCODE;
 typedef uint32_t HWMENCODE;
 typedef uintptr_t SOUND_USER;
 
-/// Works on `length` bytes of `channel`'s block in place. [RT]
+/// Works on `length` bytes of `channel`'s block in place. In an offline pull, those of different sources of a mixer may
+/// run on several threads at once. [RT]
 typedef void DSPPROC(HDSP dsp, uint32_t channel, void* buffer, uint32_t length, SOUND_USER user);
 /// Fills at most `length` bytes and returns how many; 0 is no data now, not the end. [RT]
 typedef uint32_t STREAMPROC(HSTREAM stream, void* buffer, uint32_t length, SOUND_USER user);

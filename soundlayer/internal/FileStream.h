@@ -24,6 +24,7 @@ public:
     /// While the stream sounds, the file is opened anew at the position and swapped in between two blocks.
     bool SetPosition(GraphEdits& edits, std::int64_t frame, bool sounding) override;
     const char* FileName() const override { return m_file.c_str(); }
+    bool PullsAlone() const override { return false; }
     /// Decodes `frames` frames ahead of the present position, or as many as are held, on the calling thread.
     void Prepare(std::size_t frames) { m_buffer->Fill(frames); }
 

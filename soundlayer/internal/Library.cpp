@@ -170,6 +170,7 @@ void Library::FreeEverything()
     }
     recorders.FreeAll();
     readAhead.Stop();
+    pullHelpers.Stop();
 }
 
 } // namespace velmora::soundlayer

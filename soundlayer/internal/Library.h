@@ -31,6 +31,7 @@ public:
     HandleTable handles;
     GraphEdits edits;
     ReadAhead readAhead;
+    PullHelpers pullHelpers;
     DeviceList outputs{Direction::Output};
     Recorders recorders;
     std::unique_ptr<Output> output;

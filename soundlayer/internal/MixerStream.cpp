@@ -1,5 +1,7 @@
 #include "soundlayer/internal/MixerStream.h"
 
+#include "soundlayer/internal/MixingThread.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -7,6 +9,9 @@
 namespace velmora::soundlayer {
 
 namespace {
+
+/// Shorter blocks are pulled before another thread is awake.
+constexpr std::size_t kLeastShared = 512;
 
 StereoGain WantedGain(const Stream& stream)
 {
@@ -36,12 +41,23 @@ struct MixerStream::Source {
     std::uint64_t framesToStart = 0;
     std::uint64_t framesToPlay = UINT64_MAX;
     bool ended = false;
+
+    /// What the block under way has of it, after how many frames of nothing.
+    struct Part {
+        Block block;
+        std::size_t delay = 0;
+    };
+    Part part;
+    /// Whether that was pulled already, into `own`.
+    bool pulled = false;
+    std::vector<std::int16_t> own;
 };
 
-MixerStream::MixerStream(std::uint32_t rate, std::uint32_t flags)
+MixerStream::MixerStream(std::uint32_t rate, std::uint32_t flags, PullHelpers* helpers)
     : Stream(rate, 2, flags)
     , m_block(2 * kMaxFrames)
     , m_sum(2 * kMaxFrames)
+    , m_helpers(helpers)
 {
 }
 
@@ -111,16 +127,21 @@ Block MixerStream::Generate(std::int16_t* out, std::size_t frames)
             return {frames, block.silent || block.frames == 0, false};
         }
     }
+    if (WorthSharing(*sources, frames)) {
+        PullShared(frames);
+    }
     bool first = true;
     for (const auto& entry : *sources) {
         Source& source = *entry;
         if (Held(source)) {
             continue;
         }
-        source.glide.SetTarget(WantedGain(*source.stream));
-        const auto delay = static_cast<std::size_t>(std::min<std::uint64_t>(source.framesToStart, frames));
-        source.framesToStart -= delay;
-        Block block = PullSource(source, m_block.data(), frames - delay);
+        std::int16_t* const samples = source.pulled ? source.own.data() : m_block.data();
+        if (!source.pulled) {
+            PullPart(source, samples, frames);
+        }
+        source.pulled = false;
+        const auto [block, delay] = source.part;
         const bool unheard = block.silent || block.frames == 0 || source.glide.Silent();
         if (unheard) {
             source.glide.Skip(frames);
@@ -130,7 +151,7 @@ Block MixerStream::Generate(std::int16_t* out, std::size_t frames)
             std::fill_n(m_sum.data(), 2 * frames, 0.0F);
             first = false;
         }
-        source.glide.Mix(m_sum.data() + 2 * delay, m_block.data(), block.frames, first);
+        source.glide.Mix(m_sum.data() + 2 * delay, samples, block.frames, first);
         source.glide.Skip(frames - delay - block.frames);
         first = false;
     }
@@ -139,6 +160,52 @@ Block MixerStream::Generate(std::int16_t* out, std::size_t frames)
     }
     RoundToInt16(out, m_sum.data(), 2 * frames);
     return {frames, false, false};
+}
+
+bool MixerStream::PullsAlone() const
+{
+    const auto* sources = m_sources.Get<SourceList>();
+    return sources && std::ranges::any_of(*sources, [](const auto& source) { return source->stream->PullsAlone(); });
+}
+
+bool MixerStream::Laborious() const
+{
+    const auto* sources = m_sources.Get<SourceList>();
+    return Stream::Laborious() ||
+           (sources && std::ranges::any_of(*sources, [](const auto& source) { return source->stream->Laborious(); }));
+}
+
+bool MixerStream::WorthSharing(const SourceList& sources, std::size_t frames)
+{
+    if (!m_helpers || frames < kLeastShared || OnMixingThread() || InSharedPull() || m_helpers->Alone()) {
+        return false;
+    }
+    m_shared.clear();
+    for (const auto& source : sources) {
+        if (!Held(*source) && source->stream->Laborious() && !source->stream->PullsAlone()) {
+            m_shared.push_back(source.get());
+        }
+    }
+    return m_shared.size() > 1;
+}
+
+void MixerStream::PullShared(std::size_t frames)
+{
+    for (Source* source : m_shared) {
+        source->own.resize(2 * kMaxFrames);
+    }
+    m_helpers->Share(m_shared.size(), [this, frames](std::size_t i) {
+        PullPart(*m_shared[i], m_shared[i]->own.data(), frames);
+        m_shared[i]->pulled = true;
+    });
+}
+
+void MixerStream::PullPart(Source& source, std::int16_t* out, std::size_t frames)
+{
+    source.glide.SetTarget(WantedGain(*source.stream));
+    const auto delay = static_cast<std::size_t>(std::min<std::uint64_t>(source.framesToStart, frames));
+    source.framesToStart -= delay;
+    source.part = {PullSource(source, out, frames - delay), delay};
 }
 
 bool MixerStream::Held(const Source& source)

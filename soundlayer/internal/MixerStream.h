@@ -1,6 +1,7 @@
 #pragma once
 
 #include "soundlayer/internal/GainGlide.h"
+#include "soundlayer/internal/PullHelpers.h"
 #include "soundlayer/internal/SourceResampler.h"
 #include "soundlayer/internal/Stream.h"
 
@@ -15,9 +16,13 @@ namespace velmora::soundlayer {
 /// Sources join and leave at any time. A source at another rate is resampled, a mono one is heard on both sides; its
 /// volume and pan glide over 10 ms. The sum is 32-bit float, rounded and limited once. A single source at full volume
 /// is handed through as it is. A source that has ended stays, silent, until it is removed or its position is set.
+///
+/// Offline, sources that are mixers with effects behind them are pulled side by side, into blocks of their own; the sum
+/// keeps its order, so that it does not depend on who pulled what. All others are pulled one after the other.
 class MixerStream : public Stream {
 public:
-    MixerStream(std::uint32_t rate, std::uint32_t flags);
+    /// With `helpers`, offline pulls are shared with them.
+    MixerStream(std::uint32_t rate, std::uint32_t flags, PullHelpers* helpers = nullptr);
     ~MixerStream() override;
 
     /// Adds a source, which must not have a parent, from `startFrame` of this mixer on (counted from now) for
@@ -29,6 +34,8 @@ public:
     void RenewSource(GraphEdits& edits, Stream& source);
     bool HasSources() const { return !m_edited.empty(); }
     const std::vector<std::shared_ptr<Stream>> Sources() const;
+    bool PullsAlone() const override;
+    bool Laborious() const override;
 
 protected:
     Block Generate(std::int16_t* out, std::size_t frames) override;
@@ -40,12 +47,19 @@ private:
     std::shared_ptr<Source> MakeSource(std::shared_ptr<Stream> stream) const;
     void Publish(GraphEdits& edits);
     static bool Held(const Source& source);
-    Block PullSource(Source& source, std::int16_t* out, std::size_t frames);
+    /// What the other threads are to pull, into `m_shared`, is more than one source. [RT]
+    bool WorthSharing(const SourceList& sources, std::size_t frames);
+    void PullShared(std::size_t frames);
+    /// A block of a source that is not held, as far as it plays within the next `frames` frames.
+    static void PullPart(Source& source, std::int16_t* out, std::size_t frames);
+    static Block PullSource(Source& source, std::int16_t* out, std::size_t frames);
 
     SourceList m_edited;
     Published m_sources;
     std::vector<std::int16_t> m_block;
     std::vector<float> m_sum;
+    PullHelpers* const m_helpers;
+    std::vector<Source*> m_shared;
 };
 
 } // namespace velmora::soundlayer

@@ -31,14 +31,14 @@ T WithoutHold(T failed, Body&& body) noexcept
     }
 }
 
-/// Runs a C operation's body, one at a time but for the mixing thread, which waits for nobody. Nothing is thrown across
-/// the boundary.
+/// Runs a C operation's body, one at a time but for the mixing thread, which waits for nobody, and the helpers of a
+/// pull, whose puller holds the library. Nothing is thrown across the boundary.
 template <typename T, typename Body>
 T Operation(T failed, Body&& body) noexcept
 {
     return WithoutHold(std::move(failed), [&] {
         std::unique_lock lock(Library::Get().mutex, std::defer_lock);
-        if (!OnMixingThread()) {
+        if (!OnMixingThread() && !InSharedPull()) {
             lock.lock();
         }
         return T(body());

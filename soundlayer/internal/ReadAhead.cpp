@@ -136,6 +136,7 @@ bool ReadAhead::Request(std::shared_ptr<ReadBuffer> buffer)
             return false;
         }
     } else {
+        const std::lock_guard lock(m_asking);
         if (m_workers.empty()) {
             Start();
         }

@@ -63,7 +63,7 @@ private:
     std::size_t m_owed = 0;
 };
 
-/// The workers that decode ahead. Requests come from the one thread that pulls and from the interface thread.
+/// The workers that decode ahead. Requests come from the threads that pull and from the interface thread.
 class ReadAhead {
 public:
     ReadAhead();
@@ -92,6 +92,8 @@ private:
     std::counting_semaphore<> m_waiting{0};
     moodycamel::ReaderWriterQueue<std::shared_ptr<ReadBuffer>> m_fromMixer;
     moodycamel::ReaderWriterQueue<std::shared_ptr<ReadBuffer>> m_fromInterface;
+    /// The threads of a shared pull ask at once.
+    std::mutex m_asking;
     std::mutex m_taking;
     std::vector<std::thread> m_workers;
 };

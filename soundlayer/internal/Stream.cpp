@@ -50,6 +50,12 @@ void Stream::RunChain(const Chain& chain, std::int16_t* out, Block& block)
     }
 }
 
+bool Stream::Laborious() const
+{
+    const auto* chain = m_chain.Get<Chain>();
+    return chain && !chain->effects.Empty();
+}
+
 HDSP Stream::AddDsp(GraphEdits& edits, DSPPROC* proc, SOUND_USER user, std::int32_t priority)
 {
     const Dsp dsp{++s_lastDsp, proc, user, priority};

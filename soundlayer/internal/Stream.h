@@ -68,6 +68,12 @@ public:
     /// The file's name in the system's form; "" for a stream without one.
     virtual const char* FileName() const { return ""; }
 
+    /// Whether pulling it runs what may not run beside other pulls: procedures of the application that give samples,
+    /// and what they share, or devices. [RT]
+    virtual bool PullsAlone() const { return true; }
+    /// Whether pulling it is work that is worth another thread. [RT]
+    virtual bool Laborious() const;
+
     HDSP AddDsp(GraphEdits& edits, DSPPROC* proc, SOUND_USER user, std::int32_t priority);
     bool RemoveDsp(GraphEdits& edits, HDSP dsp);
     void AddEffect(GraphEdits& edits, std::shared_ptr<EffectSlot> slot, std::int32_t priority);
