@@ -8,6 +8,7 @@
 #include "tests/audio/SoundFixture.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <random>
@@ -167,17 +168,18 @@ TEST_F(EffectsMix, LiveIsTheExportWhateverTheBlocks)
 
 TEST_F(EffectsMix, EditsOfAChainAreNotHeardInOtherChannels)
 {
-    Samples others;
+    // One for each channel: they may be pulled side by side.
+    std::array<Samples, 2> others;
     const auto& edited = *m_channels[0];
     const auto play = [&](const std::function<void(int)>& edit) {
-        std::vector<HDSP> taps;
-        for (const project::Channel_Class* channel : {m_channels[1], m_channels[2]}) {
-            taps.push_back(
-                BASS_ChannelSetDSP(channel->BassOutMix_Handle, CopyBlock, std::bit_cast<SOUND_USER>(&others), -2000));
+        std::array<HDSP, 2> taps{};
+        for (std::size_t i = 0; i < taps.size(); ++i) {
+            taps[i] = BASS_ChannelSetDSP(m_channels[1 + i]->BassOutMix_Handle, CopyBlock,
+                                         std::bit_cast<SOUND_USER>(&others[i]), -2000);
         }
         const Samples mix = Play(441, [&](int step) {
             if (step == 0) {
-                others.clear();
+                others = {};
             }
             edit(step);
         });
@@ -218,8 +220,10 @@ TEST_F(EffectsMix, EditsOfAChainAreNotHeardInOtherChannels)
         }
     });
     EXPECT_NE(editedMix, calmMix) << "the edits are heard";
-    EXPECT_EQ(heard.size(), calm.size());
-    EXPECT_EQ(FirstDifference(heard, calm), calm.size());
+    for (std::size_t i = 0; i < others.size(); ++i) {
+        EXPECT_EQ(heard[i].size(), calm[i].size());
+        EXPECT_EQ(FirstDifference(heard[i], calm[i]), calm[i].size());
+    }
 }
 
 } // namespace
