@@ -34,14 +34,15 @@ function(velmora_objects name)
     target_link_libraries(${name} PUBLIC velmora_flags ${ARG_LINK})
 endfunction()
 
-# velmora_test(NAME LABEL label SOURCES ... LINK ...): one GoogleTest program; each of its tests becomes a CTest test.
+# velmora_test(NAME LABEL label [ALONE] SOURCES ... LINK ...): one GoogleTest program; each of its tests becomes a CTest
+# test, which with ALONE runs beside no other.
 function(velmora_test name)
-    cmake_parse_arguments(ARG "" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "ALONE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 300)
     endif()
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE velmora_flags GTest::gtest GTest::gmock GTest::gtest_main ${ARG_LINK})
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
-        PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT ${ARG_TIMEOUT})
+        PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT ${ARG_TIMEOUT} RUN_SERIAL ${ARG_ALONE})
 endfunction()

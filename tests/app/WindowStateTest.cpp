@@ -21,8 +21,9 @@ TEST(WindowState, ComesBackAsItWent)
     EXPECT_TRUE(read.maximized);
     EXPECT_EQ(read.lastFolder, state.lastFolder);
 
-    const std::string vast = "<Window>\r\n<Left>int: 9</Left>\r\n<Top>int: 9</Top>\r\n<Width>int: 2000000000</Width>\r\n"
-                             "<Height>int: 9</Height>\r\n</Window>\r\n";
+    const std::string vast =
+        "<Window>\r\n<Left>int: 9</Left>\r\n<Top>int: 9</Top>\r\n<Width>int: 2000000000</Width>\r\n"
+        "<Height>int: 9</Height>\r\n</Window>\r\n";
     for (const std::string& text : {std::string(), std::string("rubbish"), vast}) {
         read.LoadXMLData(text);
         EXPECT_FALSE(read.place) << text;
