@@ -35,7 +35,7 @@ function(velmora_objects name)
 endfunction()
 
 # velmora_test(NAME LABEL label [ALONE] SOURCES ... LINK ...): one GoogleTest program; each of its tests becomes a CTest
-# test, which with ALONE runs beside no other.
+# test, which with ALONE runs beside no other. The target LABEL_programs builds all programs of a label.
 function(velmora_test name)
     cmake_parse_arguments(ARG "ALONE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
     if(NOT ARG_TIMEOUT)
@@ -43,6 +43,10 @@ function(velmora_test name)
     endif()
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE velmora_flags GTest::gtest GTest::gmock GTest::gtest_main ${ARG_LINK})
+    if(NOT TARGET ${ARG_LABEL}_programs)
+        add_custom_target(${ARG_LABEL}_programs)
+    endif()
+    add_dependencies(${ARG_LABEL}_programs ${name})
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
         PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT ${ARG_TIMEOUT} RUN_SERIAL ${ARG_ALONE})
 endfunction()

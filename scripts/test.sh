@@ -27,7 +27,7 @@ scripts/build.sh asan-ubsan
 run asan-ubsan -L 'unit|golden|ui'
 
 step "Thread sanitizer"
-scripts/build.sh tsan
+scripts/build.sh tsan stress_programs device_programs
 run tsan -L 'stress|device'
 
 step "Format, layers, clang-tidy"
