@@ -60,7 +60,7 @@ std::vector<KnownDevice> DeviceList::AskSystem(Direction direction)
         found.push_back({std::move(device.id), std::move(device.name), BackendOf(*context), true, device.isDefault});
     }
     if (direction == Direction::Input) {
-        std::ranges::stable_partition(found, &KnownDevice::isDefault);
+        std::stable_partition(found.begin(), found.end(), [](const KnownDevice& device) { return device.isDefault; });
     }
     return found;
 }
