@@ -1,6 +1,6 @@
 #pragma once
 
-/// Where the parts of the main window stand, in logical pixels of its client area.
+/// Where the main window's areas lie, in logical pixels of its client area.
 namespace velmora::app {
 
 struct Box {

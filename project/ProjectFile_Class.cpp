@@ -458,13 +458,7 @@ bool ProjectFile_Class::util_RepeatLastRecording()
     if (LastRecTimePos == core::kUnset) {
         return false;
     }
-    // What follows changes both.
-    MsgSender->WhenIdle(
-        [this, timePos = LastRecTimePos, channelID = core::ClassID(LastRecChannelID), alive = std::weak_ptr(m_alive)] {
-            if (!alive.expired()) {
-                RepeatRecording(*this, timePos, channelID);
-            }
-        });
+    RepeatRecording(*this, m_alive);
     return true;
 }
 

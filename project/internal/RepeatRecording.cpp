@@ -8,7 +8,9 @@
 
 namespace velmora::project {
 
-void RepeatRecording(ProjectFile_Class& project, std::int32_t timePos, core::ClassID channelID)
+namespace {
+
+void RepeatAt(ProjectFile_Class& project, std::int32_t timePos, core::ClassID channelID)
 {
     const auto send = [&project](std::int32_t msgID, core::MsgParametersClass params) {
         project.MsgSender->SendMsg(core::RoundToInt(project.ClassID()), msgID, params);
@@ -33,6 +35,20 @@ void RepeatRecording(ProjectFile_Class& project, std::int32_t timePos, core::Cla
         project.LastRecTimePos = timePos;
         project.LastRecChannelID = core::RoundToInt(channelID);
     }
+}
+
+} // namespace
+
+void RepeatRecording(ProjectFile_Class& project, const std::weak_ptr<const bool>& alive)
+{
+    // What follows changes both.
+    const std::int32_t timePos = project.LastRecTimePos;
+    const core::ClassID channelID = project.LastRecChannelID;
+    project.MsgSender->WhenIdle([&project, alive, timePos, channelID] {
+        if (!alive.expired()) {
+            RepeatAt(project, timePos, channelID);
+        }
+    });
 }
 
 } // namespace velmora::project

@@ -1,15 +1,14 @@
 #pragma once
 
-#include "core/ClassIds.h"
-
-#include <cstdint>
+#include <memory>
 
 namespace velmora::project {
 
 class ProjectFile_Class;
 
-/// Drops the last take if nothing was done since, and records again at `timePos` ms on `channelID`. When that cannot
-/// start, the take comes back and can be repeated still.
-void RepeatRecording(ProjectFile_Class& project, std::int32_t timePos, core::ClassID channelID);
+/// Drops the last take if nothing was done since, and records again where it began, once no message is under way and if
+/// the project `alive` belongs to is still there. When that cannot start, the take comes back and can be repeated
+/// still.
+void RepeatRecording(ProjectFile_Class& project, const std::weak_ptr<const bool>& alive);
 
 } // namespace velmora::project
