@@ -15,6 +15,8 @@ constexpr std::chrono::seconds kServerPatience{3};
 /// What stays ready for a hearer, so that a block that comes a little late is not missed.
 constexpr std::uint32_t kHearingSlackMS = 5;
 constexpr std::size_t kSilentPiece = 4096;
+/// Readings of the output from before the capture, so that something is known from its start on.
+constexpr std::uint64_t kHeardBefore = 3;
 
 /// A take is lined up by the middle of what its first seconds tell. Playback often stumbles at its start, and what was
 /// sung follows what was heard after that.
@@ -67,7 +69,8 @@ bool Capture::Start()
     m_converter = std::make_unique<FormatConverter>(m_format, AudioFormat{m_rate, 2});
     m_feed = std::make_shared<CaptureFeed>(m_format);
     m_sounded.emplace(m_format.rate, FrameTimes::Beside::Late);
-    m_nextHeard = m_heardLog ? m_heardLog->Count() : 0;
+    const std::uint64_t heard = m_heardLog ? m_heardLog->Count() : 0;
+    m_nextHeard = heard - std::min(heard, kHeardBefore);
     m_started = SoundClock::now();
     m_lastArrival = m_started;
     // A device that hangs may outlive this object.
@@ -95,7 +98,7 @@ void Capture::Stop()
     m_thread.join();
     const std::lock_guard lock(m_mutex);
     Collect();
-    SettleDoubt(true);
+    SettleDoubt(DoubtfulTime() >= m_times.doubt / 3 ? Doubt::Gap : Doubt::Late);
     Store(m_converter->Flush());
 }
 
@@ -213,7 +216,7 @@ void Capture::Collect()
         Arrive(std::exchange(block, {}));
     }
     if (lost && State() != CaptureState::Lost) {
-        SettleDoubt(true);
+        SettleDoubt(Doubt::Gap);
         m_state = CaptureState::Lost;
     }
     if (m_heardLog) {
@@ -245,21 +248,21 @@ void Capture::Arrive(Block block)
     m_doubtful.push_back(std::move(block));
     m_doubtfulFrames += frames;
     if (late <= m_times.late) {
-        SettleDoubt(true);
-    } else if (m_doubtful.back().arrival.end - m_doubtful.front().arrival.end >= m_times.doubt) {
-        SettleDoubt(false);
+        SettleDoubt(Doubt::Late);
+    } else if (DoubtfulTime() >= m_times.doubt) {
+        SettleDoubt(Doubt::Gap);
     }
 }
 
-void Capture::SettleDoubt(bool noGap)
+void Capture::SettleDoubt(Doubt is)
 {
-    auto gap = noGap ? SoundClock::duration::zero() : SoundClock::duration::max();
-    std::int64_t frames = 0;
-    for (const Block& block : m_doubtful) {
-        frames += static_cast<std::int64_t>(block.arrival.lost + block.arrival.frames);
-        gap = std::min(gap, Lateness(frames, block.arrival.end));
-    }
-    if (!noGap) {
+    if (is == Doubt::Gap && !m_doubtful.empty()) {
+        auto gap = SoundClock::duration::max();
+        std::int64_t frames = 0;
+        for (const Block& block : m_doubtful) {
+            frames += static_cast<std::int64_t>(block.arrival.lost + block.arrival.frames);
+            gap = std::min(gap, Lateness(frames, block.arrival.end));
+        }
         AppendSilence(FramesIn(gap));
     }
     for (const Block& block : m_doubtful) {
@@ -269,13 +272,19 @@ void Capture::SettleDoubt(bool noGap)
     m_doubtfulFrames = 0;
 }
 
+SoundClock::duration Capture::DoubtfulTime() const
+{
+    return m_doubtful.empty() ? SoundClock::duration::zero()
+                              : m_doubtful.back().arrival.end - m_doubtful.front().arrival.end;
+}
+
 void Capture::StandIn()
 {
     const auto now = SoundClock::now();
     if (State() == CaptureState::Lost || now - m_lastArrival < m_times.patience) {
         return;
     }
-    SettleDoubt(true);
+    SettleDoubt(Doubt::Gap);
     m_standingIn = true;
     m_state = CaptureState::Silent;
     const auto begin = m_sounded->NewestTimeOf(0);

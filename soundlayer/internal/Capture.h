@@ -36,7 +36,8 @@ public:
         std::chrono::milliseconds patience{3000};
         /// A block later than this may stand behind a gap,
         std::chrono::milliseconds late{20};
-        /// if all that comes for so long is as late.
+        /// if all that comes for so long is as late. When the capture is stopped, a third will do; when the device goes
+        /// or falls silent, anything.
         std::chrono::milliseconds doubt{300};
     };
 
@@ -86,8 +87,10 @@ private:
     bool HasRoom() const;
     void Collect();
     void Arrive(Block block);
-    /// Takes what is doubtful, behind silence of the gap before it unless there is none.
-    void SettleDoubt(bool noGap);
+    enum class Doubt { Late, Gap };
+    /// Takes what is doubtful, behind silence of the gap before it if there is one.
+    void SettleDoubt(Doubt is);
+    SoundClock::duration DoubtfulTime() const;
     void StandIn();
     void Append(const Block& block);
     void AppendSilence(std::int64_t frames);

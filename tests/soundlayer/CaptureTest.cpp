@@ -94,6 +94,34 @@ TEST(Capture, FillsAGapWithSilenceOfItsLengthAndTakesALateBlockForLate)
     EXPECT_EQ(captured.capture->GapFrames(), 12U * kBlock);
 }
 
+TEST(Capture, CountsTheGapRightBeforeItsEnd)
+{
+    for (const bool dies : {true, false}) {
+        Captured captured;
+        for (std::int16_t i = 1; i <= 50; ++i) {
+            captured.Deliver(i);
+        }
+        captured.time += milliseconds(60);
+        for (std::int16_t i = 51; i <= 62; ++i) {
+            captured.Deliver(i);
+        }
+        if (dies) {
+            captured.Lose();
+        }
+        auto expected = Sequence(1, 50);
+        expected.insert(expected.end(), 6, 0);
+        const auto rest = Sequence(51, 62);
+        expected.insert(expected.end(), rest.begin(), rest.end());
+        EXPECT_EQ(captured.Numbers(), expected);
+    }
+    // One late block is no gap, not even as the last one.
+    Captured late;
+    for (std::int16_t i = 1; i <= 50; ++i) {
+        late.Deliver(i, milliseconds(i == 50 ? 60 : 0));
+    }
+    EXPECT_EQ(late.Numbers(), Sequence(1, 50));
+}
+
 TEST(Capture, CountsWhatItsRingHadNoRoomFor)
 {
     CaptureFeed feed({kRate, 2});
