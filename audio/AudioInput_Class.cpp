@@ -119,6 +119,9 @@ void AudioInput_Class::StartEncoder()
     if (m_encoderHandle != 0) {
         BASS_Encode_SetPaused(m_encoderHandle, 0);
         m_encoderPaused = false;
+        // Where playback goes on with the next frame that is mixed; what it does is told later.
+        AlignWith(Sound_MixedFrames());
+        Align();
     }
 }
 
@@ -263,9 +266,16 @@ void AudioInput_Class::Align()
         return;
     }
     std::uint64_t mixed = 0;
-    double seconds = 0;
     std::int32_t position = m_positionMS;
-    if (player_GetStamp(&position, &mixed) && Sound_RecordOffset(m_encoderHandle, mixed, &seconds)) {
+    if (player_GetStamp(&position, &mixed)) {
+        AlignWith(mixed);
+    }
+}
+
+void AudioInput_Class::AlignWith(std::uint64_t mixed)
+{
+    double seconds = 0;
+    if (Sound_RecordOffset(m_encoderHandle, mixed, &seconds)) {
         const std::int32_t fileStart = core::RoundToInt(seconds * 1000 + m_environment.config.Recording_OffsetMS);
         m_deviceLatencyMS = fileStart - m_outputLatencyMS - m_bufferMS;
     }

@@ -79,6 +79,8 @@ private:
     void WaitForData();
     bool OpenStream();
     bool OpenFile();
+    /// The take's start is heard with that frame of the output.
+    void AlignWith(std::uint64_t mixed);
     void FreeDevice();
     bool Fail(std::string message);
     void Note();

@@ -17,7 +17,6 @@
 
 #include <array>
 #include <charconv>
-#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -28,7 +27,6 @@ constexpr std::int32_t kPriority = 90;
 constexpr std::int32_t kLastName = 10'000;
 constexpr double kMegabyte = 1'048'576;
 constexpr double kLeastFreeMB = 100;
-constexpr std::chrono::milliseconds kWatchEach{200};
 constexpr std::string_view kStep = "recording";
 constexpr std::string_view kDeletion = "delete channel";
 
@@ -50,7 +48,7 @@ Recorder_Class::Recorder_Class(core::Environment& environment, project::ProjectF
           environment.ids, [this](std::int32_t /*senderID*/, std::int32_t msgID,
                                   core::MsgParametersClass& params) { MsgHandler_MsgReceived(msgID, params); }))
     , m_takes(std::make_unique<TakeBook>(environment.files))
-    , m_watch(environment.ports.timers.Create(kWatchEach, false, [this] { WatchTake(); }))
+    , m_watch(environment.ports.timers.Create(Take::kWatchEach, false, [this] { WatchTake(); }))
 {
     project.MsgSender->Add_MsgHandlerOBJ(kPriority, m_msgHandler);
 }
@@ -365,7 +363,7 @@ void Recorder_Class::AddClip(const Take& take)
     core::MsgParametersClass clip;
     clip.FilePath = name;
     clip.FileStartMS = take.Journal().StartMS;
-    clip.AddTimePosMS = m_recStartTimeMS;
+    clip.AddTimePosMS = take.Journal().TimePosMS;
     clip.EventTitle = take.Journal().Title;
     clip.ChannelID = take.ChannelID();
     Send(core::Msg_AddEvent_Wave, clip);

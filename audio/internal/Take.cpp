@@ -1,16 +1,18 @@
 #include "audio/internal/Take.h"
 
 #include "core/TextUtilities.h"
+#include "core/Units.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace velmora::audio {
 namespace {
 
-/// Looks at a take after which its place in the file is told to the journal: once playback runs, and when the devices'
-/// latencies have settled.
-constexpr std::int32_t kFirstLook = 1;
-constexpr std::int32_t kSettledLook = 10;
+/// Looks at a take after which its place in the file is told to the journal: as soon as playback may run, once it does
+/// after a seek too, and when the devices' latencies have settled.
+constexpr std::array<std::int32_t, 3> kTellingLooks{1, 6, 40};
 
 } // namespace
 
@@ -19,6 +21,7 @@ Take::Take(core::Environment& environment, std::string path, TakeJournal journal
     , m_path(std::move(path))
     , m_journal(std::move(journal))
     , m_live(environment)
+    , m_startMS(core::RoundToInt(m_journal.TimePosMS))
 {
 }
 
@@ -55,6 +58,7 @@ bool Take::Open(std::int32_t device, std::uint32_t mixer, bool heard)
 void Take::AlignTo(std::int32_t positionMS)
 {
     m_live.Input.AlignTo(positionMS);
+    m_startMS = positionMS;
     m_journal.TimePosMS = positionMS;
 }
 
@@ -69,7 +73,7 @@ bool Take::Watch()
     if (Input().FileFailed() || Input().Device() == AudioInput_Class::DeviceState::Lost) {
         return false;
     }
-    if (++m_looks == kFirstLook || m_looks == kSettledLook) {
+    if (std::ranges::find(kTellingLooks, ++m_looks) != kTellingLooks.end()) {
         m_live.Input.Align();
         UpdateJournal();
     }
@@ -109,7 +113,10 @@ std::vector<std::string> Take::Troubles() const
 
 void Take::UpdateJournal()
 {
-    m_journal.StartMS = Input().FileStartMS();
+    // A correction of the user's may put the start before the file begins.
+    const std::int32_t fileStart = Input().FileStartMS();
+    m_journal.StartMS = std::max(fileStart, 0);
+    m_journal.TimePosMS = m_startMS + std::max(-fileStart, 0);
     m_journal.Write(m_environment.files, m_path);
 }
 

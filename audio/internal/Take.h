@@ -5,6 +5,7 @@
 #include "core/ClassIds.h"
 #include "core/Environment.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -32,7 +33,9 @@ public:
     /// Lets the file begin.
     void Begin();
     /// False when it cannot go on: the file cannot be written, or the device is gone. Brings the journal up to date.
+    /// To be called each `kWatchEach`.
     bool Watch();
+    static constexpr std::chrono::milliseconds kWatchEach{50};
     /// The file is whole, and the journal says where it lies to the ms.
     void End();
 
@@ -58,6 +61,7 @@ private:
     TakeJournal m_journal;
     LiveInput m_live;
     std::string m_error;
+    std::int32_t m_startMS;
     std::int32_t m_looks = 0;
 };
 

@@ -1,9 +1,11 @@
 #include "audio/AudioExport.h"
 #include "audio/AudioPlayer_Class.h"
+#include "core/Paths.h"
 #include "soundlayer/soundlayer.h"
 #include "tests/audio/RecorderFixture.h"
 #include "tests/audio/SoundFixture.h"
 #include "tests/support/FileSizeLimit.h"
+#include "tests/support/SmallDisk.h"
 
 #include <algorithm>
 #include <chrono>
@@ -108,6 +110,29 @@ TEST_F(RecorderClass, TakeLandsWhereAndOnTheChannelItBegan)
 
     ASSERT_TRUE(m_project->SaveProject(m_environment.Path("Song.audioproj")));
     EXPECT_THAT(Files(), ElementsAre("a0- Record 1.wav"));
+}
+
+TEST_F(RecorderClass, TheJournalKnowsThePlaceFromTheStartOn)
+{
+    m_device.latency = 400ms;
+    Seek(1000);
+    Start();
+    const std::string wav = m_project->FixAudioFilePath("a0- Record 1.wav");
+    const TakeJournal early = TakeJournal::Read(m_environment.disk, wav);
+    ASSERT_TRUE(m_device.Deliver(500, 500));
+    Stop();
+    const std::int32_t startMS = Voice(0).ChannelData->InTimeOrder().front()->EventOBJ->StartMS;
+    EXPECT_GE(startMS, 400);
+    EXPECT_NEAR(early.StartMS, startMS, 100) << "a kill would leave it";
+    EXPECT_EQ(early.TimePosMS, 1000);
+
+    // Set so that the take would begin before its file does.
+    m_environment->config.Recording_OffsetMS = -2000;
+    Select(Voice(1).ClassID());
+    Record(1000, 700);
+    const project::EventRow& row = *Voice(1).ChannelData->InTimeOrder().front();
+    EXPECT_EQ(row.EventOBJ->StartMS, 0);
+    EXPECT_NEAR(row.TimePos, 1000 + 2000 - startMS, 100);
 }
 
 TEST_F(RecorderClass, PlaysAcrossTheProjectsEnd)
@@ -378,6 +403,32 @@ TEST_F(RecorderClass, EndsByItselfWhenTheDiskIsFull)
                 HasSubstr("its file could not be written:\n" + m_project->FixAudioFilePath("a0- Record 1.wav")));
     ASSERT_EQ(Clips(Voice(0)).size(), 1U);
     EXPECT_GT(Voice(0).ChannelData->InTimeOrder().front()->EventOBJ->EndMS, 4000);
+}
+
+TEST_F(RecorderClass, KeepsATakeOnADiskThatIsReallyFull)
+{
+    const testing::SmallDisk disk(core::PosixPath(m_project->GetAudioPath()), 110'000'000);
+    if (!disk.Mounted()) {
+        GTEST_SKIP() << "no disk can be mounted here";
+    }
+    Seek(1000);
+    Start();
+    ASSERT_TRUE(Recorder().isRecording()) << Messages().LastText();
+    disk.FillBut(1'000'000);
+    ASSERT_TRUE(m_device.Deliver(20'000, 500));
+    EXPECT_TRUE(EndsByItself());
+    ASSERT_EQ(Messages().shown.size(), 1U);
+    EXPECT_THAT(Messages().LastText(), HasSubstr("its file could not be written"));
+    EXPECT_THAT(Clips(Voice(0)), ElementsAre("a0- Record 1.wav at 1000"));
+    EXPECT_GT(Voice(0).ChannelData->InTimeOrder().front()->EventOBJ->EndMS, 4000);
+    EXPECT_THAT(Files(), ElementsAre("a0- Record 1.take", "a0- Record 1.wav", "filler"));
+    EXPECT_THAT(Journal("a0- Record 1.wav"), HasSubstr("<TimePosMS>float: 1000</TimePosMS>"));
+    EXPECT_TRUE(Start().CancelDelivery);
+    EXPECT_THAT(Messages().LastText(), HasSubstr("You need at least 100 MB of free disk space to record."));
+
+    disk.MakeRoom();
+    Record(6000);
+    EXPECT_EQ(Clips(Voice(0)).size(), 2U);
 }
 
 TEST_F(RecorderClass, TellsOfADeadAndOfALoudInput)

@@ -24,7 +24,7 @@ ScriptedCapture::~ScriptedCapture()
 void ScriptedCapture::Started()
 {
     ++starts;
-    m_end = std::chrono::steady_clock::now();
+    m_end = std::chrono::steady_clock::now() - latency;
     Deliver(std::vector<std::int16_t>(firstFrames * m_format.channels));
 }
 

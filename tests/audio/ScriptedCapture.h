@@ -33,6 +33,8 @@ public:
     int starts = 0;
     /// Frames of silence that it delivers by itself when it is started, so that nobody waits for it.
     std::size_t firstFrames = 441;
+    /// How long ago what it delivers sounded.
+    std::chrono::milliseconds latency{0};
 
     /// Delivers interleaved samples in blocks of 10 ms; false when nobody records.
     bool Deliver(std::span<const std::int16_t> interleaved);
