@@ -1,6 +1,6 @@
-/// Records a take in a new project until it is killed: TakeRecorder FOLDER. The folder has a path table. Writes a line
-/// with the file's path once the take runs, and then lines with the ms since and the bytes of sound that the file's
-/// header tells.
+/// Records a take in a new project until it is killed: TakeRecorder FOLDER [PROJECT]. The folder has a path table; the
+/// project is saved as PROJECT, if told, before the take begins. Writes a line with the file's path once the take runs,
+/// and then lines with the ms since and the bytes of sound that the file's header tells.
 #include "audio/Recorder_Class.h"
 #include "audio/SoundSession.h"
 #include "core/MsgIds.h"
@@ -42,7 +42,7 @@ std::uint32_t SoundBytes(const std::string& path)
 
 int main(int count, char** arguments)
 {
-    if (count != 2) {
+    if (count < 2) {
         return 2;
     }
     const std::string folder = core::InternalPath(arguments[1]);
@@ -56,6 +56,9 @@ int main(int count, char** arguments)
     project::ProjectFile_Class project(environment);
     project.InitializeClass();
     if (!session || !project.CreateNewProject()) {
+        return 1;
+    }
+    if (count > 2 && !project.SaveProject(core::InternalPath(arguments[2]))) {
         return 1;
     }
     core::MsgParametersClass params;

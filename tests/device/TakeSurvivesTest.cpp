@@ -30,12 +30,14 @@ using namespace std::chrono_literals;
 /// The helper program, recording into `folder`.
 class OtherProgram {
 public:
-    explicit OtherProgram(const testing::TemporaryFolder& folder)
+    /// In a new project, or in one that it saves under that path first.
+    explicit OtherProgram(const testing::TemporaryFolder& folder, std::string project = {})
         : m_output(folder.Posix() / "take-recorder.txt")
     {
         std::string program = VELMORA_TAKE_RECORDER;
         std::string argument = folder.Posix().native();
-        const std::array<char*, 3> arguments{program.data(), argument.data(), nullptr};
+        const std::array<char*, 4> arguments{program.data(), argument.data(),
+                                             project.empty() ? nullptr : project.data(), nullptr};
         posix_spawn_file_actions_t files;
         posix_spawn_file_actions_init(&files);
         posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, m_output.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600);
@@ -107,6 +109,36 @@ TEST(TakeSurvives, AnotherStartOfTheProgram)
     EXPECT_TRUE(environment.ports.messages.asked.empty());
     const std::int64_t bytes = other.Told().bytes;
     EXPECT_TRUE(testing::Becomes([&] { return other.Told().bytes > bytes; })) << "it goes on recording";
+}
+
+TEST(TakeSurvives, AnotherStartOfTheProgramOnItsProject)
+{
+    testing::AudioServer server;
+    server.Start();
+    testing::TestEnvironment environment;
+    testing::ScriptedMessageBoxes& messages = environment.ports.messages;
+    const std::string song = environment.Path("Song.audioproj");
+    OtherProgram other(environment.folder, core::PosixPath(song));
+    ASSERT_TRUE(testing::Becomes([&] { return other.Told().ms >= 500; })) << "it does not record";
+    const auto session = Begin(environment);
+    ProjectFile_Class project(*environment);
+    project.InitializeClass();
+    messages.Expect(core::Answer::Yes);
+    EXPECT_FALSE(project.LoadProject(song));
+    EXPECT_THAT(messages.asked.back().text, HasSubstr("Project already open. Force load ?"));
+    EXPECT_EQ(messages.LastText(), "Error opening project");
+    const std::int64_t bytes = other.Told().bytes;
+    EXPECT_TRUE(testing::Becomes([&] { return other.Told().bytes > bytes; })) << "it goes on recording";
+
+    other.Kill();
+    messages.Expect(core::Answer::Yes);
+    ASSERT_TRUE(project.LoadProject(song));
+    ASSERT_TRUE(messages.AllAsked());
+    EXPECT_THAT(messages.asked.back().text, HasSubstr("The project has recordings that were not saved with it:"));
+    const auto rows = project.Chn_GetVoiceChannelObj_by_Index(1)->ChannelData->InTimeOrder();
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows[0]->TimePos, 1500);
+    EXPECT_GE(rows[0]->EventOBJ->EndMS, 500);
 }
 
 /// Whatever moment a kill comes at, what was written is offered by the next start.
