@@ -10,7 +10,6 @@
 namespace velmora::app {
 namespace {
 
-constexpr std::int32_t kNoSender = -1;
 constexpr std::chrono::milliseconds kFirstRedrawDelay{500};
 
 const std::vector<core::FileType>& ProjectTypes()
@@ -208,7 +207,7 @@ void Workspace::Refresh()
 void Workspace::Send(std::int32_t msgID)
 {
     core::MsgParametersClass params;
-    m_project->MsgSender->SendMsg(kNoSender, msgID, params);
+    m_project->MsgSender->SendMsg(core::kNoSender, msgID, params);
 }
 
 bool Workspace::HasDocument() const

@@ -23,8 +23,6 @@
 namespace velmora::audio {
 namespace {
 
-constexpr std::int32_t kNoSender = -1;
-constexpr std::int32_t kWaveEvent = 0;
 constexpr std::int64_t kReportEachMS = 300;
 /// Longer than any volume glides.
 constexpr std::int64_t kSettleMS = 20;
@@ -177,7 +175,7 @@ std::vector<ExportClip> AudioExport::Clips() const
     for (std::int32_t i = 0; i < m_project.Chn_GetChannelClass_TotalN(); ++i) {
         const project::Channel_Class* channel = m_project.Chn_GetChannelObj_by_Index(i);
         for (const project::EventRow* row : channel->ChannelData->InTimeOrder()) {
-            if (row->EventType != kWaveEvent || !row->EventOBJ) {
+            if (row->EventType != core::kWaveEvent || !row->EventOBJ) {
                 continue;
             }
             const project::CDC_Event_Wave_Class& event = *row->EventOBJ;
@@ -207,7 +205,7 @@ bool AudioExport::OverwritesSource(const std::vector<ExportClip>& clips) const
 
 void AudioExport::Send(std::int32_t msgID, core::MsgParametersClass& params)
 {
-    m_project.MsgSender->SendMsg(kNoSender, msgID, params);
+    m_project.MsgSender->SendMsg(core::kNoSender, msgID, params);
 }
 
 } // namespace velmora::audio

@@ -1,5 +1,6 @@
 #include "audio/AudioInput_Class.h"
 
+#include "audio/internal/EncodedFile.h"
 #include "core/Paths.h"
 #include "core/Units.h"
 #include "engine/audioplayer.h"
@@ -51,30 +52,6 @@ std::string WhyNoStart(std::int32_t code, std::int32_t rate)
     default:
         return "";
     }
-}
-
-std::string WhyNoFile(std::int32_t code)
-{
-    switch (code) {
-    case BASS_ERROR_CREATE:
-        return " [Error creating file]";
-    case BASS_ERROR_NOTAVAIL:
-        return " [Invalid format]";
-    default:
-        return "";
-    }
-}
-
-WAVEFORMATEX WaveFormat(std::int32_t rate, bool mono)
-{
-    WAVEFORMATEX format{};
-    format.wFormatTag = 1;
-    format.nChannels = mono ? 1 : 2;
-    format.nSamplesPerSec = static_cast<std::uint32_t>(rate);
-    format.wBitsPerSample = 16;
-    format.nBlockAlign = static_cast<std::uint16_t>(2 * format.nChannels);
-    format.nAvgBytesPerSec = format.nBlockAlign * format.nSamplesPerSec;
-    return format;
 }
 
 } // namespace
@@ -247,12 +224,13 @@ bool AudioInput_Class::OpenStream()
 
 bool AudioInput_Class::OpenFile()
 {
-    const WAVEFORMATEX format = WaveFormat(m_environment.config.BassRecDevice_Freq, RecordAsMono);
+    const WAVEFORMATEX format = WaveFormat(m_environment.config.BassRecDevice_Freq, RecordAsMono ? 1 : 2);
     // On the record channel itself: so no state of the graph keeps a take from its file.
     m_encoderHandle =
         BASS_Encode_StartACMFile(m_recHandle, &format, BASS_ENCODE_PAUSE, core::PosixPath(FilePath).c_str());
     if (m_encoderHandle == 0) {
-        std::string why = "AudioInput_Class::StartCapture\nError starting encoder" + WhyNoFile(BASS_ErrorGetCode());
+        std::string why =
+            "AudioInput_Class::StartCapture\nError starting encoder" + EncoderErrorSuffix(BASS_ErrorGetCode());
         FreeDevice();
         return Fail(std::move(why));
     }

@@ -8,6 +8,7 @@
 #include "project/ChannelDataClass.h"
 #include "project/Channel_Class.h"
 #include "project/ProjectFile_Class.h"
+#include "project/UndoData_Class.h"
 
 #include <algorithm>
 
@@ -16,12 +17,8 @@ namespace velmora::audio {
 namespace {
 
 constexpr std::int32_t kPriority = 30;
-constexpr std::int32_t kWaveEvent = 0;
 /// How far behind the project's end the position may be set.
 constexpr double kBeyondEndMS = 30'000;
-/// Snapshots after whose return the clips are others.
-constexpr std::int32_t kUndoEvents = 0;
-constexpr std::int32_t kUndoProject = 4;
 
 /// The engine's ids are the document's, cut to 32 bits.
 std::int32_t EngineID(core::ClassID id)
@@ -71,7 +68,7 @@ void AudioPlayer_Class::MsgHandler_MsgReceived(std::int32_t MsgID, core::MsgPara
         ReloadEngineLists();
         break;
     case core::Msg_UndoRestored:
-        if (Params.UndoDataType == kUndoEvents || Params.UndoDataType == kUndoProject) {
+        if (Params.UndoDataType == project::kUndoEvents || Params.UndoDataType == project::kUndoProject) {
             ReloadEngineLists();
         }
         break;
@@ -172,7 +169,7 @@ void AudioPlayer_Class::SendSeek(std::int32_t positionMS)
 
 void AudioPlayer_Class::AddEvent(const core::MsgParametersClass& params)
 {
-    if (params.EventType != kWaveEvent || !params.EventOBJ) {
+    if (params.EventType != core::kWaveEvent || !params.EventOBJ) {
         return;
     }
     const project::CDC_Event_Wave_Class& event = *params.EventOBJ;

@@ -13,7 +13,6 @@ namespace velmora::audio {
 
 namespace {
 constexpr std::chrono::milliseconds kInterval{50};
-constexpr std::int32_t kNoSender = -1;
 } // namespace
 
 PlayerCursor::PlayerCursor(core::Environment& environment, project::ProjectFile_Class& project)
@@ -34,17 +33,17 @@ void PlayerCursor::Tick()
     core::MsgParametersClass params;
     const double length = m_project.util_GetProjectLength();
     if (pos > length && !m_project.Recorder->isRecording() && AutoStopEnabled) {
-        bus.SendMsg(kNoSender, core::Msg_Player_Stop, params);
+        bus.SendMsg(core::kNoSender, core::Msg_Player_Stop, params);
         if (player_GetTimePos() > length) {
             core::MsgParametersClass range;
             range.PlayFromMS = core::kUnset;
             range.PlayToMS = core::RoundToInt(length);
-            bus.SendMsg(kNoSender, core::Msg_Player_SetRange, range);
+            bus.SendMsg(core::kNoSender, core::Msg_Player_SetRange, range);
         }
         return;
     }
     params.PlayerPosMS = std::max(pos - m_environment.config.BassBuffer_LengthMS, 0);
-    bus.SendMsg(kNoSender, core::Msg_Player_Tick, params);
+    bus.SendMsg(core::kNoSender, core::Msg_Player_Tick, params);
 }
 
 } // namespace velmora::audio

@@ -18,8 +18,6 @@
 namespace velmora::audio {
 namespace {
 
-constexpr std::int32_t kNoSender = -1;
-constexpr std::int32_t kWaveEvent = 0;
 constexpr std::string_view kWaveEnding = ".wav";
 
 bool InProjectFolder(const std::string& path)
@@ -176,7 +174,7 @@ void ProjectCompression::RePoint()
     }
     // The engine and the views know clips by their files.
     core::MsgParametersClass params;
-    m_project.MsgSender->SendMsg(kNoSender, core::Msg_Refresh, params);
+    m_project.MsgSender->SendMsg(core::kNoSender, core::Msg_Refresh, params);
 }
 
 void ProjectCompression::RemoveNewFiles()
@@ -213,7 +211,7 @@ std::vector<std::shared_ptr<project::CDC_Event_Wave_Class>> ProjectCompression::
     std::vector<std::shared_ptr<project::CDC_Event_Wave_Class>> events;
     for (std::int32_t i = 0; i < m_project.Chn_GetChannelClass_TotalN(); ++i) {
         for (const project::EventRow* row : m_project.Chn_GetChannelObj_by_Index(i)->ChannelData->InTimeOrder()) {
-            if (row->EventType == kWaveEvent && row->EventOBJ) {
+            if (row->EventType == core::kWaveEvent && row->EventOBJ) {
                 events.push_back(row->EventOBJ);
             }
         }

@@ -13,6 +13,9 @@ class FX_Data_Class;
 
 namespace velmora::core {
 
+/// The only type of event.
+inline constexpr std::int32_t kWaveEvent = 0;
+
 /// What a message carries: one fresh record per send. A field that the message does not name stays zero. Receivers
 /// write the fields marked out for those that come after them and for the sender.
 struct MsgParametersClass {
@@ -42,8 +45,7 @@ struct MsgParametersClass {
     bool SelectNewEvent = false;
     /// The `CDC_Event_Wave_Class` object carried.
     std::shared_ptr<project::CDC_Event_Wave_Class> EventOBJ;
-    /// 0 for a wave event, the only type.
-    std::int32_t EventType = 0;
+    std::int32_t EventType = kWaveEvent;
     /// The event addressed, or the id given by the channel.
     std::int32_t EventID = 0;
     /// A position on the timeline.

@@ -13,6 +13,9 @@
 
 namespace velmora::core {
 
+/// The sender of what no endpoint sends.
+inline constexpr std::int32_t kNoSender = -1;
+
 /// The bus: every change of the document travels over it as a numbered message, in one call stack, from the endpoint
 /// of the highest priority to that of the lowest; equal priorities in the order of their rows. Interface thread only.
 ///

@@ -1,8 +1,9 @@
 #include "effects/FX_ChainContainer_Class.h"
 
+#include "core/SoundEdit.h"
 #include "effects/FX_Module.h"
-#include "effects/internal/AdoptedIds.h"
 #include "engine/audioplayer.h"
+#include "persistence/ItemNumbers.h"
 #include "persistence/UTIL_XMLRead.h"
 #include "persistence/UTIL_XMLWrite.h"
 #include "soundlayer/soundlayer.h"
@@ -14,23 +15,9 @@
 namespace velmora::effects {
 namespace {
 
-/// No text holds more chains than it has room for tags, whatever number it announces.
-constexpr std::size_t kShortestItem = 20;
 /// Each takes a copy of the stream. The interface makes one; a text with more than these is damage.
 constexpr std::int32_t kMostChains = 100;
-
-/// What is edited while one lives reaches the device together.
-struct GraphEdit {
-    GraphEdit() { Sound_BeginEdit(); }
-    ~GraphEdit() { Sound_EndEdit(); }
-    GraphEdit(const GraphEdit&) = delete;
-    GraphEdit& operator=(const GraphEdit&) = delete;
-};
-
-std::string ItemName(std::int32_t number)
-{
-    return "FxChain item=\"" + std::to_string(number) + "\"";
-}
+constexpr std::string_view kItem = "FxChain";
 
 } // namespace
 
@@ -74,13 +61,13 @@ void FX_ChainContainer_Class::FX_Start()
 
 void FX_ChainContainer_Class::FX_Stop()
 {
-    const GraphEdit edit;
+    const core::SoundEdit edit;
     Release(Halt());
 }
 
 void FX_ChainContainer_Class::Restart(const std::function<void()>& change)
 {
-    const GraphEdit edit;
+    const core::SoundEdit edit;
     Sounding sounding = Halt();
     change();
     Begin(sounding);
@@ -89,7 +76,7 @@ void FX_ChainContainer_Class::Restart(const std::function<void()>& change)
 
 void FX_ChainContainer_Class::Bypass(bool bypassed)
 {
-    const GraphEdit edit;
+    const core::SoundEdit edit;
     m_bypassed = bypassed;
     for (const auto& chain : m_chains) {
         for (FxItem& item : chain->m_items) {
@@ -215,7 +202,8 @@ persistence::SharedText FX_ChainContainer_Class::GetSharedXML() const
     writer.Add_Element("TotalN", TotalChannels());
     writer.Add_Element("ID", m_classID);
     for (std::int32_t number = 1; number <= TotalChannels(); ++number) {
-        writer.Add_RawElement(ItemName(number), m_chains[static_cast<std::size_t>(number) - 1]->GetSharedXML());
+        writer.Add_RawElement(persistence::ItemName(kItem, number),
+                              m_chains[static_cast<std::size_t>(number) - 1]->GetSharedXML());
     }
     return writer.GetSharedXML();
 }
@@ -256,22 +244,15 @@ std::optional<FX_ChainContainer_Class::ChainList> FX_ChainContainer_Class::ReadC
     std::int32_t announced = 0;
     reader.ReadElement("ID", list.id, 0.0);
     reader.ReadElement("TotalN", announced, 0);
-    const auto room = static_cast<std::int32_t>(std::min(xml.size() / kShortestItem, std::size_t{INT32_MAX}));
-    // Chains stand beside each other. Those inside others would be read over and over, so all together may be no longer
-    // than their text.
-    std::size_t left = xml.size();
-    for (std::int32_t number = 1; number <= std::min({announced, room, kMostChains}); ++number) {
-        auto text = reader.ReadRaw(ItemName(number));
-        if (text && text->size() > left) {
-            text.reset();
-        }
-        left -= text ? text->size() : 0;
+    persistence::RowBudget budget(xml);
+    for (const std::int32_t number : persistence::ItemNumbers(xml, kItem, std::min(announced, kMostChains))) {
+        const auto text = budget.Take(reader.ReadRaw(persistence::ItemName(kItem, number)));
         auto chain = std::make_shared<FX_Chain_Class>(m_environment);
         bool chainWhole = false;
-        if (text && chain->LoadXMLData(*text, assignNewIDs, &chainWhole)) {
+        if (number > 0 && text && chain->LoadXMLData(*text, assignNewIDs, &chainWhole)) {
             list.chains.push_back(std::move(chain));
+            list.whole = list.whole && chainWhole;
         }
-        list.whole = list.whole && chainWhole;
     }
     list.whole = list.whole && std::cmp_equal(list.chains.size(), announced);
 
@@ -282,7 +263,7 @@ std::optional<FX_ChainContainer_Class::ChainList> FX_ChainContainer_Class::ReadC
             chain->m_classID = ids.Draw();
         }
     }
-    if (assignNewIDs || !UsableId(list.id)) {
+    if (assignNewIDs || !core::CanAdoptID(list.id)) {
         list.id = ids.Draw();
     } else {
         ids.RiseAbove(list.id);

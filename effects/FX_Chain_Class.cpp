@@ -3,7 +3,7 @@
 #include "core/Assert.h"
 #include "core/BassHelpers.h"
 #include "effects/FX_Module.h"
-#include "effects/internal/AdoptedIds.h"
+#include "persistence/ItemNumbers.h"
 #include "persistence/UTIL_XMLRead.h"
 #include "persistence/UTIL_XMLWrite.h"
 
@@ -17,13 +17,7 @@ namespace {
 constexpr core::ClassID kNoId = -1;
 /// Effects of this priority and above keep it when the others are renumbered.
 constexpr std::int32_t kPriorityBound = 100'000'000;
-/// No text holds more items than it has room for tags, whatever number it announces.
-constexpr std::size_t kShortestItem = 20;
-
-std::string ItemName(std::int32_t index)
-{
-    return "Fx item=\"" + std::to_string(index) + "\"";
-}
+constexpr std::string_view kItem = "Fx";
 
 } // namespace
 
@@ -165,7 +159,7 @@ persistence::SharedText FX_Chain_Class::GetSharedXML() const
         nested.Add_Element("ID", item.FxID);
         nested.Add_Element("Priority", item.Priority);
         nested.Add_RawElement("Data", persistence::SharedText(item.FxDataOBJ->GetXMLData()));
-        writer.Add_RawElement(ItemName(i), nested.GetSharedXML());
+        writer.Add_RawElement(persistence::ItemName(kItem, i), nested.GetSharedXML());
     }
     return writer.GetSharedXML();
 }
@@ -185,16 +179,12 @@ bool FX_Chain_Class::LoadXMLData(std::string_view XMLData, bool AssignNewIDs, bo
 
     bool invalidData = false;
     std::vector<FxItem> items;
-    const auto room = static_cast<std::int32_t>(std::min(XMLData.size() / kShortestItem, std::size_t{INT32_MAX}));
-    // Items stand beside each other. Those inside others would be read over and over, so all together may be no longer
-    // than their text.
-    std::size_t left = XMLData.size();
-    for (std::int32_t i = 0; i < std::min(announced, room); ++i) {
-        const auto text = reader.ReadRaw(ItemName(i));
-        if (!text || text->size() > left) {
+    persistence::RowBudget budget(XMLData);
+    for (const std::int32_t i : persistence::ItemNumbers(XMLData, kItem, std::max(announced, 0) - 1)) {
+        const auto text = budget.Take(reader.ReadRaw(persistence::ItemName(kItem, i)));
+        if (!text) {
             continue;
         }
-        left -= text->size();
         auto nested = persistence::UTIL_XMLRead::Plain(*text);
         FxItem item;
         nested.ReadElement("Enabled", item.Enable, false);
@@ -229,13 +219,13 @@ void FX_Chain_Class::AdoptIds(core::ClassID chainID, bool assignNewIDs)
     std::unordered_set<core::ClassID> seen;
     std::vector<FxItem*> withoutId;
     for (FxItem& item : m_items) {
-        if (assignNewIDs || !UsableId(item.FxID) || !seen.insert(item.FxID).second) {
+        if (assignNewIDs || !core::CanAdoptID(item.FxID) || !seen.insert(item.FxID).second) {
             withoutId.push_back(&item);
         } else {
             ids.RiseAbove(item.FxID);
         }
     }
-    const bool adopt = !assignNewIDs && UsableId(chainID);
+    const bool adopt = !assignNewIDs && core::CanAdoptID(chainID);
     if (adopt) {
         ids.RiseAbove(chainID);
     }

@@ -23,6 +23,8 @@ ENGINE_API float VolumeAt(const ClipFades& fades, std::int64_t timeMS);
 /// before; the greatest number when none comes. [RT]
 ENGINE_API std::int64_t NextFadeStep(const ClipFades& fades, std::int64_t timeMS);
 
+/// Of the gain DSP: behind every other.
+inline constexpr std::int32_t kGainPriority = -1000;
 /// The gain DSP's user value of a factor: x 10000, cut, within 0..2147483647.
 ENGINE_API std::uintptr_t GainUserValue(double factor);
 

@@ -2,11 +2,11 @@
 
 #include "core/MsgHandlerClass.h"
 #include "core/MsgSenderClass.h"
+#include "persistence/ItemNumbers.h"
 #include "persistence/UTIL_XMLRead.h"
 #include "persistence/UTIL_XMLWrite.h"
 #include "project/CDC_Event_Wave_Class.h"
 #include "project/LoadContext.h"
-#include "project/internal/ItemNumbers.h"
 #include "project/internal/Times.h"
 #include "soundlayer/soundlayer.h"
 
@@ -224,7 +224,7 @@ persistence::SharedText ChannelDataClass::RowText(const EventRow& row, std::int3
     item.Add_RawElement("EventOBJData", row.EventOBJ ? row.EventOBJ->GetSharedXML() : persistence::SharedText());
     persistence::UTIL_XMLWrite element;
     element.Indent = indent;
-    element.Add_RawElement(ItemName("EventData", row.Index), item.GetSharedXML());
+    element.Add_RawElement(persistence::ItemName("EventData", row.Index), item.GetSharedXML());
     return element.GetSharedXML();
 }
 
@@ -254,9 +254,9 @@ bool ChannelDataClass::LoadXMLData(std::string_view XML, bool AdoptClassID, Load
         m_eventIDCounter = kFirstEventID;
     }
     std::vector<EventRow*> withoutID;
-    RowBudget budget(XML);
-    for (const std::int32_t i : ItemNumbers(XML, "EventData", m_lastRow, &whole)) {
-        const auto raw = budget.Take(reader.ReadRaw(ItemName("EventData", i)));
+    persistence::RowBudget budget(XML);
+    for (const std::int32_t i : persistence::ItemNumbers(XML, "EventData", m_lastRow, &whole)) {
+        const auto raw = budget.Take(reader.ReadRaw(persistence::ItemName("EventData", i)));
         if (!raw || !LoadRow(i, *raw, load, withoutID)) {
             whole = false;
         }

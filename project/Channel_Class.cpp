@@ -2,6 +2,7 @@
 
 #include "audio/MasterVolume_Class.h"
 #include "core/MsgIds.h"
+#include "core/SoundEdit.h"
 #include "core/Units.h"
 #include "effects/FX_ChainContainer_Class.h"
 #include "persistence/UTIL_XMLRead.h"
@@ -13,7 +14,6 @@
 #include "project/internal/ChannelEdits.h"
 #include "project/internal/ChannelEffects.h"
 #include "project/internal/ChannelStrip.h"
-#include "project/internal/SoundEdit.h"
 
 #include <algorithm>
 #include <string>
@@ -53,7 +53,7 @@ Channel_Class::Channel_Class(ProjectFile_Class& project)
 Channel_Class::~Channel_Class()
 {
     m_handler->Detach();
-    const SoundEdit edit;
+    const core::SoundEdit edit;
     FX->FX_Stop();
     m_strip.reset();
 }
@@ -140,7 +140,7 @@ bool Channel_Class::LoadXMLData(persistence::UTIL_XMLRead& reader, bool assignNe
         return true;
     }
 
-    const SoundEdit edit;
+    const core::SoundEdit edit;
     if (!FX->LoadXMLData(reader.ReadRaw("FX").value_or(std::string_view()), assignNewID)) {
         return false;
     }
@@ -239,7 +239,7 @@ void Channel_Class::Refresh()
         params.Value = value;
         MsgHandler_MsgReceived(core::RoundToInt(m_classID), msgID, params);
     };
-    const SoundEdit edit;
+    const core::SoundEdit edit;
     reapply(core::Msg_Channel_SetVoiceRemoval, Voice_Removal);
     reapply(core::Msg_Channel_SetVolume, Volume);
     reapply(core::Msg_Channel_SetPan, Pan);

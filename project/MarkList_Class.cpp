@@ -1,9 +1,9 @@
 #include "project/MarkList_Class.h"
 
 #include "core/MsgIds.h"
+#include "persistence/ItemNumbers.h"
 #include "persistence/UTIL_XMLRead.h"
 #include "persistence/UTIL_XMLWrite.h"
-#include "project/internal/ItemNumbers.h"
 #include "project/internal/Times.h"
 
 #include <algorithm>
@@ -91,7 +91,7 @@ std::string MarkList_Class::GetXMLData() const
         item.Add_Element("ID", i);
         item.Add_Element("TimePos", mark.TimePos);
         item.Add_Element("Title", std::string_view(mark.Title));
-        writer.Add_RawElement(ItemName("List", i), item.GetXMLString());
+        writer.Add_RawElement(persistence::ItemName("List", i), item.GetXMLString());
     }
     return writer.GetXMLString();
 }
@@ -105,9 +105,9 @@ bool MarkList_Class::LoadXMLData(std::string_view XML, bool /*LoadIDs*/, bool* c
     std::int32_t lastIndex = -1;
     bool whole = reader.ReadElement("TotalN", lastIndex, -1);
     std::vector<Mark> marks;
-    RowBudget budget(XML);
-    for (const std::int32_t i : ItemNumbers(XML, "List", lastIndex, &whole)) {
-        const auto raw = budget.Take(reader.ReadRaw(ItemName("List", i)));
+    persistence::RowBudget budget(XML);
+    for (const std::int32_t i : persistence::ItemNumbers(XML, "List", lastIndex, &whole)) {
+        const auto raw = budget.Take(reader.ReadRaw(persistence::ItemName("List", i)));
         if (!raw || raw->empty()) {
             continue;
         }

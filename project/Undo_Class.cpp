@@ -17,7 +17,6 @@
 namespace velmora::project {
 namespace {
 
-constexpr std::int32_t kNoSender = -1;
 constexpr std::int32_t kNoTag = -1;
 constexpr core::ClassID kNoChannel = -1;
 
@@ -183,7 +182,7 @@ void Undo_Class::Restore(const UndoData_Class& entry)
     core::MsgParametersClass params;
     params.ChannelID = entry.wChannelClassID;
     params.UndoDataType = entry.UndoDataType;
-    m_project.MsgSender->SendMsg(kNoSender, core::Msg_UndoRestored, params);
+    m_project.MsgSender->SendMsg(core::kNoSender, core::Msg_UndoRestored, params);
 }
 
 bool Undo_Class::LoadState(const UndoData_Class& entry)
@@ -223,7 +222,7 @@ bool Undo_Class::LoadState(const UndoData_Class& entry)
 void Undo_Class::Send(std::int32_t msgID) const
 {
     core::MsgParametersClass params;
-    m_project.MsgSender->SendMsg(kNoSender, msgID, params);
+    m_project.MsgSender->SendMsg(core::kNoSender, msgID, params);
 }
 
 } // namespace velmora::project

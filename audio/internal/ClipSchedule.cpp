@@ -15,7 +15,6 @@ namespace {
 constexpr std::int64_t kFadeStepMS = 10;
 constexpr std::int64_t kOpenAheadMS = 2000;
 constexpr std::size_t kMostOpen = 256;
-constexpr std::int32_t kGainPriority = -1000;
 constexpr std::uint64_t kFrameBytes = 4;
 
 engine::ClipFades FadesOf(const ExportClip& clip)
@@ -81,7 +80,7 @@ void ClipSchedule::Open(std::size_t index)
                             BASS_POS_BYTE);
     if (clip.gainFactor != 1.0) {
         BASS_ChannelSetDSP(stream, reinterpret_cast<DSPPROC*>(get_GainDSP_memaddress()),
-                           engine::GainUserValue(clip.gainFactor), kGainPriority);
+                           engine::GainUserValue(clip.gainFactor), engine::kGainPriority);
     }
     m_streams[index] = stream;
 }

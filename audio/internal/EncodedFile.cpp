@@ -1,7 +1,5 @@
 #include "audio/internal/EncodedFile.h"
 
-#include "soundlayer/soundlayer.h"
-
 namespace velmora::audio {
 
 std::string EncoderErrorSuffix(std::int32_t code)
@@ -16,6 +14,18 @@ std::string EncoderErrorSuffix(std::int32_t code)
     default:
         return "";
     }
+}
+
+WAVEFORMATEX WaveFormat(std::int32_t rate, std::int32_t channels)
+{
+    WAVEFORMATEX format{};
+    format.wFormatTag = 1;
+    format.nChannels = static_cast<std::uint16_t>(channels);
+    format.nSamplesPerSec = static_cast<std::uint32_t>(rate);
+    format.wBitsPerSample = 16;
+    format.nBlockAlign = static_cast<std::uint16_t>(2 * channels);
+    format.nAvgBytesPerSec = format.nBlockAlign * format.nSamplesPerSec;
+    return format;
 }
 
 std::string FreeName(const std::string& stem, const std::string& ending,

@@ -8,21 +8,6 @@
 #include <utility>
 
 namespace velmora::audio {
-namespace {
-
-WAVEFORMATEX WaveFormat(const ExportFormat& format)
-{
-    WAVEFORMATEX wave{};
-    wave.wFormatTag = 1;
-    wave.nChannels = static_cast<std::uint16_t>(format.channels);
-    wave.nSamplesPerSec = static_cast<std::uint32_t>(format.sampleRate);
-    wave.wBitsPerSample = 16;
-    wave.nBlockAlign = static_cast<std::uint16_t>(2 * format.channels);
-    wave.nAvgBytesPerSec = wave.nBlockAlign * wave.nSamplesPerSec;
-    return wave;
-}
-
-} // namespace
 
 ExportFile::ExportFile(core::Files& files, std::string target, std::uint32_t stream, std::int32_t streamRate)
     : m_files(files)
@@ -49,7 +34,7 @@ bool ExportFile::Open(const ExportFormat& format)
                                                static_cast<std::uint32_t>(format.channels), 0,
                                                static_cast<std::uint32_t>(format.bitrate), file.c_str());
     } else {
-        const WAVEFORMATEX wave = WaveFormat(format);
+        const WAVEFORMATEX wave = WaveFormat(format.sampleRate, format.channels);
         m_wavEncoder = BASS_Encode_StartACMFile(m_stream, &wave, BASS_ENCODE_PAUSE, file.c_str());
     }
     if (m_wmaEncoder == 0 && m_wavEncoder == 0) {

@@ -16,7 +16,6 @@
 namespace velmora::audio {
 namespace {
 
-constexpr std::int32_t kNoSender = -1;
 constexpr std::int32_t kMeterPriority = 100;
 constexpr std::int32_t kMeterRange = 40;
 /// Longer than effects take to leave a stream.
@@ -59,7 +58,7 @@ LiveMonitoringPause::~LiveMonitoringPause()
         params.ChannelID = id;
         params.Value = core::kTrue;
         try {
-            m_project.MsgSender->SendMsg(kNoSender, core::Msg_Channel_SetLive, params);
+            m_project.MsgSender->SendMsg(core::kNoSender, core::Msg_Channel_SetLive, params);
         } catch (...) {
             // A receiver's failure must not keep the other channels from coming back.
         }
@@ -69,7 +68,7 @@ LiveMonitoringPause::~LiveMonitoringPause()
 void LiveMonitoringPause::Begin()
 {
     core::MsgParametersClass params;
-    m_project.MsgSender->SendMsg(kNoSender, core::Msg_AllChannelsLiveOff, params);
+    m_project.MsgSender->SendMsg(core::kNoSender, core::Msg_AllChannelsLiveOff, params);
 }
 
 AutoStopPause::AutoStopPause(project::ProjectFile_Class& project)

@@ -41,7 +41,7 @@ void Engine::Stop()
 {
     Sound_SetHeartbeat(nullptr, 0);
     mixSide.clock.Pause();
-    m_metronome.Set(false, 0, 0, Rate());
+    m_metronome.Set(false, 0, 0, DeviceRate());
     planner.Stop();
     mixSide.clock.SetFrames(0);
     copier.Clear();
@@ -58,12 +58,12 @@ void Engine::Play()
 
 void Engine::SetTimePos(std::int32_t positionMS)
 {
-    planner.Seek(core::FrameOfMS(std::max(positionMS, 0), Rate()));
+    planner.Seek(core::FrameOfMS(std::max(positionMS, 0), DeviceRate()));
 }
 
 std::int32_t Engine::TimePos() const
 {
-    return PlaybackClock::TimeOf(planner.Frames(), Rate());
+    return PlaybackClock::TimeOf(planner.Frames(), DeviceRate());
 }
 
 bool Engine::MixedFrameOf(std::int32_t& positionMS, std::uint64_t& mixedFrame) const
@@ -73,24 +73,17 @@ bool Engine::MixedFrameOf(std::int32_t& positionMS, std::uint64_t& mixedFrame) c
         return false;
     }
     if (positionMS == core::kUnset) {
-        positionMS = PlaybackClock::TimeOf(stamp->clockFrame, Rate());
+        positionMS = PlaybackClock::TimeOf(stamp->clockFrame, DeviceRate());
     }
     // A clock that stands between two milliseconds left the earlier one before it was held.
-    const std::int64_t since = stamp->clockFrame - core::FrameOfMS(positionMS, Rate());
+    const std::int64_t since = stamp->clockFrame - core::FrameOfMS(positionMS, DeviceRate());
     mixedFrame = static_cast<std::uint64_t>(static_cast<std::int64_t>(stamp->mixedFrame) - since);
     return true;
 }
 
 void Engine::SetMetronome(bool enabled, double periodMS, std::uint32_t stream)
 {
-    m_metronome.Set(enabled, periodMS, stream, Rate());
-}
-
-std::int32_t Engine::Rate()
-{
-    constexpr std::int32_t kDefaultRate = 44100;
-    BASS_INFO info{};
-    return BASS_GetInfo(&info) ? static_cast<std::int32_t>(info.freq) : kDefaultRate;
+    m_metronome.Set(enabled, periodMS, stream, DeviceRate());
 }
 
 } // namespace velmora::engine

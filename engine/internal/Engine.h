@@ -34,9 +34,6 @@ public:
     StreamCopier copier;
 
 private:
-    /// The device's rate in Hz; 44100 while there is none.
-    static std::int32_t Rate();
-
     MetronomeClick m_metronome;
 };
 

@@ -21,14 +21,14 @@ constexpr std::chrono::milliseconds kPollHeld{250};
 /// Room for opening a file, beyond what the mixing thread may mix in one go.
 constexpr std::int32_t kLeadMS = 60;
 
+} // namespace
+
 std::int32_t DeviceRate()
 {
     constexpr std::int32_t kDefaultRate = 44100;
     BASS_INFO info{};
     return BASS_GetInfo(&info) ? static_cast<std::int32_t>(info.freq) : kDefaultRate;
 }
-
-} // namespace
 
 Planner::Planner(MixSide& mixSide)
     : m_mixSide(mixSide)

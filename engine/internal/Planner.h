@@ -14,6 +14,9 @@
 
 namespace velmora::engine {
 
+/// The device's rate in Hz; 44100 while there is none.
+std::int32_t DeviceRate();
+
 /// The planning half of playback: a thread of its own opens clips ahead of the clock and publishes plans.
 ///
 /// Clips that come within 10 s are opened, 256 at most. An edit replaces the voice of its clip a moment ahead of the

@@ -11,7 +11,6 @@
 namespace velmora::engine {
 
 namespace {
-constexpr std::int32_t kGainPriority = -1000;
 constexpr std::uint64_t kFrameBytes = 4;
 constexpr std::int32_t kAheadMS = 500;
 } // namespace

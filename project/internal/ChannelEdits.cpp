@@ -10,12 +10,6 @@
 #include <algorithm>
 
 namespace velmora::project {
-namespace {
-
-constexpr std::int32_t kWave = 0;
-
-} // namespace
-
 ChannelEdits::ChannelEdits(ProjectFile_Class& project, Channel_Class& channel)
     : m_project(project)
     , m_channel(channel)
@@ -72,7 +66,8 @@ std::shared_ptr<CDC_Event_Wave_Class> ChannelEdits::WaveEvent(std::int32_t event
 {
     std::int32_t type = 0;
     double timePos = 0;
-    return Events().GetEventData(eventID, type, timePos) && type == kWave ? Events().GetEventOBJ(eventID) : nullptr;
+    return Events().GetEventData(eventID, type, timePos) && type == core::kWaveEvent ? Events().GetEventOBJ(eventID)
+                                                                                     : nullptr;
 }
 
 void ChannelEdits::Add(core::MsgParametersClass& params)
@@ -125,11 +120,11 @@ void ChannelEdits::Split(core::MsgParametersClass& params)
         return;
     }
     const auto first = Events().GetEventOBJ(params.EventID);
-    if (type == kWave && !first) {
+    if (type == core::kWaveEvent && !first) {
         return;
     }
     params.SplitNewEventID = Events().AddEvent(type, timePos + params.SplitPosMS);
-    if (type != kWave) {
+    if (type != core::kWaveEvent) {
         return;
     }
     const auto second = first->UTIL_CopyObj();

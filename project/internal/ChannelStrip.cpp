@@ -1,21 +1,21 @@
 #include "project/internal/ChannelStrip.h"
 
 #include "core/BassHelpers.h"
+#include "core/SoundEdit.h"
+#include "core/TextUtilities.h"
+#include "engine/ClipFades.h"
 #include "engine/audioplayer.h"
-#include "project/internal/SoundEdit.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace velmora::project {
 namespace {
 
 constexpr std::uint32_t kMixerFlags = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP;
-/// A user value of 10000 is the factor 1 of a gain, and the whole of a voice removal.
-constexpr double kUserScale = 10'000;
+/// The whole of a voice removal.
+constexpr double kWholeRemoval = 10'000;
 constexpr double kGainThreshold = 0.0001;
-constexpr std::int32_t kGainPriority = -1000;
 constexpr std::int32_t kVoiceRemovalPriority = 10;
 
 } // namespace
@@ -56,23 +56,21 @@ void ChannelStrip::SetOutputVolume(std::int32_t volume)
 
 void ChannelStrip::SetVoiceRemoval(std::int32_t amount)
 {
-    const double user = std::clamp(amount, 0, 100) / 100.0 * kUserScale;
+    const double user = std::clamp(amount, 0, 100) / 100.0 * kWholeRemoval;
     ReplaceDSP(m_voiceRemoval, amount != 0 ? get_RemoveVocalsDSP_memaddress() : nullptr,
                static_cast<SOUND_USER>(std::lround(user)), kVoiceRemovalPriority);
 }
 
 void ChannelStrip::SetGain(double gain)
 {
-    const double factor = std::exp2(gain / 6);
-    const double user =
-        std::min(std::floor(factor * kUserScale), static_cast<double>(std::numeric_limits<std::int32_t>::max()));
+    const double factor = core::DBToGain(gain);
     ReplaceDSP(m_gain, std::abs(factor - 1) > kGainThreshold ? get_GainDSP_memaddress() : nullptr,
-               static_cast<SOUND_USER>(user), kGainPriority);
+               engine::GainUserValue(factor), engine::kGainPriority);
 }
 
 void ChannelStrip::ReplaceDSP(HDSP& dsp, void* address, SOUND_USER user, std::int32_t priority)
 {
-    const SoundEdit edit;
+    const core::SoundEdit edit;
     if (dsp != 0) {
         BASS_ChannelRemoveDSP(m_inMix, dsp);
         dsp = 0;

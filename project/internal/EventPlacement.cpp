@@ -46,7 +46,6 @@ void EventPlacement::AddWave(core::MsgParametersClass& params)
     core::MsgParametersClass fresh;
     fresh.ChannelID = params.ChannelID;
     fresh.TimePosMS = params.AddTimePosMS;
-    fresh.EventType = 0;
     fresh.EventOBJ = event;
     m_project.MsgSender->SendMsg(core::RoundToInt(m_project.ClassID()), core::Msg_AddEvent, fresh);
 }

@@ -2,6 +2,8 @@
 
 #include "audio/Metronome_Class.h"
 #include "audio/Recorder_Class.h"
+#include "core/SoundEdit.h"
+#include "persistence/ItemNumbers.h"
 #include "persistence/UTIL_XMLRead.h"
 #include "persistence/UTIL_XMLWrite.h"
 #include "project/ChannelDataClass.h"
@@ -10,8 +12,6 @@
 #include "project/MarkList_Class.h"
 #include "project/ProjectFile_Class.h"
 #include "project/internal/ChannelRegistry.h"
-#include "project/internal/ItemNumbers.h"
-#include "project/internal/SoundEdit.h"
 
 #include <algorithm>
 #include <string>
@@ -60,7 +60,7 @@ void ProjectText::WriteChannels(persistence::UTIL_XMLWrite& writer, std::int32_t
     writer.Add_Element(CountOf(mode), static_cast<std::int32_t>(table.size()));
     std::int32_t i = 0;
     for (const auto& channel : table) {
-        writer.Add_RawElement(ItemName(ItemsOf(mode), i++), channel->GetSharedXML());
+        writer.Add_RawElement(persistence::ItemName(ItemsOf(mode), i++), channel->GetSharedXML());
     }
 }
 
@@ -72,7 +72,7 @@ bool ProjectText::LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecor
         return false;
     }
     // A channel that stays keeps its mixers, and nothing is heard of it.
-    const SoundEdit edit;
+    const core::SoundEdit edit;
     ChannelRegistry::Table earlier = m_channels.TakeOut();
     if (loadIDs) {
         core::ClassID stated = -1;
@@ -80,7 +80,7 @@ bool ProjectText::LoadXMLData(std::string_view xml, bool loadIDs, bool loadRecor
         id = load.Adopt(stated);
     }
     LoadParts(reader, loadRecorder, load);
-    RowBudget budget(xml);
+    persistence::RowBudget budget(xml);
     const Count music = LoadChannels(reader, Channel_Class::kMusic, earlier, budget, load);
     const Count voice = LoadChannels(reader, Channel_Class::kVoice, earlier, budget, load);
     const std::int64_t total = music.stated + voice.stated;
@@ -118,14 +118,15 @@ void ProjectText::LoadParts(persistence::UTIL_XMLRead& reader, bool loadRecorder
 }
 
 ProjectText::Count ProjectText::LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode,
-                                             ChannelRegistry::Table& earlier, RowBudget& budget, LoadContext& load)
+                                             ChannelRegistry::Table& earlier, persistence::RowBudget& budget,
+                                             LoadContext& load)
 {
     std::int32_t stated = 0;
     bool whole = reader.ReadElement(CountOf(mode), stated, 0);
     stated = std::max(stated, 0);
     Count count{stated, 0};
     for (std::int32_t i = 0; i < std::min(stated, kMostChannels); ++i) {
-        const auto text = budget.Take(reader.ReadRaw(ItemName(ItemsOf(mode), i)));
+        const auto text = budget.Take(reader.ReadRaw(persistence::ItemName(ItemsOf(mode), i)));
         if (!text || text->empty()) {
             continue;
         }
@@ -138,7 +139,7 @@ ProjectText::Count ProjectText::LoadChannels(persistence::UTIL_XMLRead& reader, 
         }
     }
     // A count that is too small would hide channels.
-    if (!whole || reader.ReadRaw(ItemName(ItemsOf(mode), stated))) {
+    if (!whole || reader.ReadRaw(persistence::ItemName(ItemsOf(mode), stated))) {
         load.CountLoss();
     }
     return count;

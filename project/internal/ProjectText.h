@@ -9,6 +9,7 @@
 #include <string_view>
 
 namespace velmora::persistence {
+class RowBudget;
 class UTIL_XMLRead;
 class UTIL_XMLWrite;
 } // namespace velmora::persistence
@@ -17,7 +18,6 @@ namespace velmora::project {
 
 class LoadContext;
 class ProjectFile_Class;
-class RowBudget;
 
 /// A project as text, and back.
 class ProjectText {
@@ -42,7 +42,7 @@ private:
     void WriteChannels(persistence::UTIL_XMLWrite& writer, std::int32_t mode) const;
     /// `earlier`: channels taken out; one that the text names goes on, the others stay there.
     Count LoadChannels(persistence::UTIL_XMLRead& reader, std::int32_t mode, ChannelRegistry::Table& earlier,
-                       RowBudget& budget, LoadContext& load);
+                       persistence::RowBudget& budget, LoadContext& load);
     Channel_Class& ChannelFor(core::ClassID id, std::int32_t mode, ChannelRegistry::Table& earlier);
     void LoadParts(persistence::UTIL_XMLRead& reader, bool loadRecorder, LoadContext& load);
 

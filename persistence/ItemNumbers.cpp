@@ -1,9 +1,9 @@
-#include "project/internal/ItemNumbers.h"
+#include "persistence/ItemNumbers.h"
 
 #include <algorithm>
 #include <charconv>
 
-namespace velmora::project {
+namespace velmora::persistence {
 namespace {
 
 constexpr char LowerCase(char c)
@@ -85,4 +85,4 @@ std::optional<std::string_view> RowBudget::Take(std::optional<std::string_view> 
     return row;
 }
 
-} // namespace velmora::project
+} // namespace velmora::persistence

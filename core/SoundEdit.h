@@ -2,7 +2,7 @@
 
 #include "soundlayer/soundlayer.h"
 
-namespace velmora::project {
+namespace velmora::core {
 
 /// While it lives, changes of the graph are gathered; its end hands them to the mixing thread together.
 class SoundEdit {
@@ -13,4 +13,4 @@ public:
     SoundEdit& operator=(const SoundEdit&) = delete;
 };
 
-} // namespace velmora::project
+} // namespace velmora::core
