@@ -4,18 +4,24 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <vector>
 
-/// Prints how far takes lie from what was heard, for buffers and starts, TAKES each, and what recording costs:
-/// velmora-alignment-bench [TAKES]
+/// Prints how far takes lie from what was heard, for buffers in ms and starts, TAKES each, and what recording costs:
+/// velmora-alignment-bench [TAKES [BUFFER...]]
 int main(int count, char** arguments)
 {
     using velmora::audio::AlignedTakes;
     const int takes = count > 1 ? std::atoi(arguments[1]) : 10;
+    std::vector<std::int32_t> buffers;
+    std::transform(arguments + std::min(count, 2), arguments + count, std::back_inserter(buffers), std::atoi);
+    if (buffers.empty()) {
+        buffers = {20, 50, 100, 300, 1000};
+    }
     AlignedTakes rig;
     std::printf(
         "| Buffer, ms | start, ms | takes | disturbed | median error, ms | worst |\n|---|---|---|---|---|---|\n");
-    for (const std::int32_t buffer : {20, 50, 100, 300, 1000}) {
+    for (const std::int32_t buffer : buffers) {
         for (const std::int32_t start : {0, 7'321}) {
             std::vector<double> errors;
             int disturbed = 0;

@@ -1,13 +1,14 @@
 #!/bin/sh
 # Builds the release preset and prints the tables of docs/BENCHMARKS.md: bench/run.sh [ROUNDS]
-# or only those of takes, on a sound server of its own:                   bench/run.sh alignment [TAKES]
+# or only those of takes, on a sound server of its own:                   bench/run.sh alignment [TAKES [BUFFER...]]
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh bench
 cmake --preset release >/dev/null
 if [ "${1:-}" = alignment ]; then
+    shift
     cmake --build --preset release --target velmora-alignment-bench
-    exec build/release/bin/velmora-alignment-bench "${2:-10}"
+    exec build/release/bin/velmora-alignment-bench "$@"
 fi
 cmake --build --preset release --target velmora-render velmora-decode-bench velmora-load-bench velmora-bus-bench \
     velmora-undo-bench velmora-live-bench velmora-engine-bench velmora-fx-bench

@@ -2,8 +2,8 @@
 # Installs the Debian packages that a script needs, if any is missing: install-packages.sh build|test|bench|package|screenshots
 set -euo pipefail
 
-build=(g++ cmake ninja-build ccache pkg-config python3 libavformat-dev libavcodec-dev libavutil-dev libsoxr-dev
-    libsndfile1-dev libreaderwriterqueue-dev libcubeb-dev libasound2-dev libgtest-dev libgmock-dev libbenchmark-dev
+build=(g++ cmake ninja-build ccache pkg-config python3 libavformat-dev libavcodec-dev libavutil-dev libswresample-dev
+    libsoxr-dev libsndfile1-dev libreaderwriterqueue-dev libcubeb-dev libasound2-dev libgtest-dev libgmock-dev libbenchmark-dev
     qt6-base-dev qt6-svg-dev libfreetype-dev)
 test=("${build[@]}" sox ffmpeg python3-numpy pulseaudio pulseaudio-utils clang-format clang-tidy fonts-inter
     fonts-dejavu-core xvfb openbox xdotool x11-utils imagemagick)

@@ -17,6 +17,14 @@ inline SoundClock::duration TimeOfFrames(std::int64_t frames, std::uint32_t rate
     return std::chrono::seconds(frames / hz) + std::chrono::nanoseconds(frames % hz * 1'000'000'000 / hz);
 }
 
+/// Whole frames, those of a part of a frame less.
+inline std::int64_t FramesIn(SoundClock::duration time, std::uint32_t rate)
+{
+    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(time).count();
+    const std::int64_t seconds = ns / 1'000'000'000;
+    return seconds * rate + (ns - seconds * 1'000'000'000) * rate / 1'000'000'000;
+}
+
 /// Numbers are those of `Sound_DeviceState`.
 enum class DeviceState : std::uint8_t { None = 0, Sounding = 1, Lost = 2 };
 

@@ -15,20 +15,9 @@ constexpr std::chrono::seconds kServerPatience{3};
 /// What stays ready for a hearer, so that a block that comes a little late is not missed.
 constexpr std::uint32_t kHearingSlackMS = 5;
 constexpr std::size_t kSilentPiece = 4096;
-/// Readings of the output from before the capture, so that something is known from its start on.
-constexpr std::uint64_t kHeardBefore = 3;
 
-/// A take is lined up by the middle of what its first seconds tell. Playback often stumbles at its start, and what was
-/// sung follows what was heard after that.
-constexpr std::chrono::seconds kSettled{3};
-constexpr std::chrono::milliseconds kStep{100};
-
-std::int64_t FramesAt(std::uint32_t rate, SoundClock::duration time)
-{
-    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(time).count();
-    const std::int64_t seconds = ns / 1'000'000'000;
-    return seconds * rate + (ns - seconds * 1'000'000'000) * rate / 1'000'000'000;
-}
+/// The capture is brought to the output's pace once a second, by no more than one frame in so many.
+constexpr std::int32_t kGentle = 2000;
 
 /// What `work` gives, from a thread of its own that nobody has to wait for.
 template <typename Work>
@@ -47,11 +36,11 @@ Capture::Capture(std::unique_ptr<CaptureDevice> device, std::uint32_t rate, std:
     , m_rate(rate)
     , m_heardRate(heardRate)
     , m_heardLog(std::move(heard))
-    , m_times(times)
+    , m_limits(times)
     , m_newest(std::size_t{rate} * kNewestMS / 1000, 2)
     , m_history(std::size_t{kHistorySeconds} * rate)
     , m_guard(rate)
-    , m_heard(heardRate, FrameTimes::Beside::Moved)
+    , m_compensator(rate)
 {
 }
 
@@ -68,9 +57,7 @@ bool Capture::Start()
     m_format = *format;
     m_converter = std::make_unique<FormatConverter>(m_format, AudioFormat{m_rate, 2});
     m_feed = std::make_shared<CaptureFeed>(m_format);
-    m_sounded.emplace(m_format.rate, FrameTimes::Beside::Late);
-    const std::uint64_t heard = m_heardLog ? m_heardLog->Count() : 0;
-    m_nextHeard = heard - std::min(heard, kHeardBefore);
+    m_times.emplace(m_rate, m_format.rate, m_heardLog, m_heardRate);
     m_started = SoundClock::now();
     m_lastArrival = m_started;
     // A device that hangs may outlive this object.
@@ -98,8 +85,9 @@ void Capture::Stop()
     m_thread.join();
     const std::lock_guard lock(m_mutex);
     Collect();
-    SettleDoubt(DoubtfulTime() >= m_times.doubt / 3 ? Doubt::Gap : Doubt::Late);
+    SettleDoubt(DoubtfulTime() >= m_limits.doubt / 3 ? Doubt::Gap : Doubt::Late);
     Store(m_converter->Flush());
+    Keep(m_compensator.Flush());
 }
 
 bool Capture::InputSilent() const
@@ -144,6 +132,8 @@ std::int64_t Capture::FrameBefore(std::chrono::milliseconds back)
     const std::lock_guard lock(m_mutex);
     Collect();
     m_keepFrom = std::max(m_history.First(), m_history.End() - back.count() * m_rate / 1000);
+    m_times->BeginPace(m_history.End());
+    m_nextPace = m_history.End() + m_rate;
     return *m_keepFrom;
 }
 
@@ -166,31 +156,7 @@ std::optional<SoundClock::duration> Capture::OffsetOf(std::int64_t frame, std::i
 {
     const std::lock_guard lock(m_mutex);
     Collect();
-    const auto sounded = SoundedAt(frame);
-    const auto heard = m_heard.TimeOf(mixed);
-    if (!sounded || !heard) {
-        return {};
-    }
-    const SoundClock::duration atStart = *heard - *sounded;
-    std::vector<SoundClock::duration> offsets;
-    for (SoundClock::duration later{}; later < kSettled && m_heard.Reaches(mixed + FramesAt(m_heardRate, later));
-         later += kStep) {
-        const auto heardThen = m_heard.TimeOf(mixed + FramesAt(m_heardRate, later));
-        const auto soundedThen = SoundedAt(frame + FramesAt(m_rate, later + atStart));
-        // What lies between the two frames is the same time by either count.
-        offsets.push_back(*heardThen - *soundedThen + atStart);
-    }
-    if (offsets.empty()) {
-        return atStart;
-    }
-    const auto middle = offsets.begin() + static_cast<std::ptrdiff_t>(offsets.size() / 2);
-    std::ranges::nth_element(offsets, middle);
-    return *middle;
-}
-
-std::optional<SoundClock::time_point> Capture::SoundedAt(std::int64_t frame) const
-{
-    return m_sounded->TimeOf(frame * m_format.rate / m_rate);
+    return m_times->OffsetOf(frame, mixed);
 }
 
 void Capture::Run()
@@ -219,10 +185,21 @@ void Capture::Collect()
         SettleDoubt(Doubt::Gap);
         m_state = CaptureState::Lost;
     }
-    if (m_heardLog) {
-        for (const Reading& reading : m_heardLog->TakeFrom(m_nextHeard)) {
-            m_heard.Add(reading);
-        }
+    m_times->ReadHeard();
+    KeepPace();
+}
+
+void Capture::KeepPace()
+{
+    const std::int64_t end = m_history.End();
+    if (!m_keepFrom || end < m_nextPace) {
+        return;
+    }
+    const auto second = static_cast<std::int32_t>(m_rate);
+    m_nextPace = end + second;
+    const std::int32_t frames = std::clamp(m_times->FramesBehind(end), -second / kGentle, second / kGentle);
+    if (frames != 0 && m_compensator.Compensate(frames, second)) {
+        m_times->Stretched(end, frames, second);
     }
 }
 
@@ -247,9 +224,9 @@ void Capture::Arrive(Block block)
     const auto late = Lateness(m_doubtfulFrames + frames, arrival.end);
     m_doubtful.push_back(std::move(block));
     m_doubtfulFrames += frames;
-    if (late <= m_times.late) {
+    if (late <= m_limits.late) {
         SettleDoubt(Doubt::Late);
-    } else if (DoubtfulTime() >= m_times.doubt) {
+    } else if (DoubtfulTime() >= m_limits.doubt) {
         SettleDoubt(Doubt::Gap);
     }
 }
@@ -281,15 +258,15 @@ SoundClock::duration Capture::DoubtfulTime() const
 void Capture::StandIn()
 {
     const auto now = SoundClock::now();
-    if (State() == CaptureState::Lost || now - m_lastArrival < m_times.patience) {
+    if (State() == CaptureState::Lost || now - m_lastArrival < m_limits.patience) {
         return;
     }
     SettleDoubt(Doubt::Gap);
     m_standingIn = true;
     m_state = CaptureState::Silent;
-    const auto begin = m_sounded->NewestTimeOf(0);
+    const auto begin = m_times->ExpectedAt(0);
     if (!begin) {
-        m_sounded->Add({0, m_started, 0});
+        m_times->Sounded(0, m_started);
     }
     AppendSilence(FramesIn(now - begin.value_or(m_started)) - m_frames);
 }
@@ -299,7 +276,7 @@ void Capture::Append(const Block& block)
     AppendSilence(static_cast<std::int64_t>(block.arrival.lost));
     Store(m_converter->Convert(block.samples));
     m_frames += static_cast<std::int64_t>(block.arrival.frames);
-    m_sounded->Add({m_frames, block.arrival.end, 0});
+    m_times->Sounded(m_frames, block.arrival.end);
 }
 
 void Capture::AppendSilence(std::int64_t frames)
@@ -319,6 +296,11 @@ void Capture::AppendSilence(std::int64_t frames)
 
 void Capture::Store(std::span<const std::int16_t> stereo)
 {
+    Keep(m_compensator.Convert(stereo));
+}
+
+void Capture::Keep(std::span<const std::int16_t> stereo)
+{
     m_history.Append(stereo);
     m_guard.Look(stereo);
     m_newest.Write(stereo.data(), stereo.size() / 2);
@@ -326,13 +308,13 @@ void Capture::Store(std::span<const std::int16_t> stereo)
 
 SoundClock::duration Capture::Lateness(std::int64_t frames, SoundClock::time_point end) const
 {
-    const auto expected = m_sounded->NewestTimeOf(m_frames + frames);
+    const auto expected = m_times->ExpectedAt(m_frames + frames);
     return expected ? end - *expected : SoundClock::duration::zero();
 }
 
 std::int64_t Capture::FramesIn(SoundClock::duration time) const
 {
-    return FramesAt(m_format.rate, time);
+    return soundlayer::FramesIn(time, m_format.rate);
 }
 
 } // namespace velmora::soundlayer

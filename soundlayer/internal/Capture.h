@@ -4,8 +4,9 @@
 #include "soundlayer/internal/CaptureFeed.h"
 #include "soundlayer/internal/CaptureGuard.h"
 #include "soundlayer/internal/CaptureHistory.h"
+#include "soundlayer/internal/CaptureTimes.h"
+#include "soundlayer/internal/DriftCompensator.h"
 #include "soundlayer/internal/FormatConverter.h"
-#include "soundlayer/internal/FrameTimes.h"
 #include "soundlayer/internal/SampleRing.h"
 
 #include <atomic>
@@ -95,8 +96,10 @@ private:
     void Append(const Block& block);
     void AppendSilence(std::int64_t frames);
     void Store(std::span<const std::int16_t> stereo);
+    void Keep(std::span<const std::int16_t> stereo);
+    /// Stretches what comes when the device's clock and the output's have run apart in a take.
+    void KeepPace();
     SoundClock::duration Lateness(std::int64_t frames, SoundClock::time_point end) const;
-    std::optional<SoundClock::time_point> SoundedAt(std::int64_t frame) const;
     /// At the device's rate.
     std::int64_t FramesIn(SoundClock::duration time) const;
 
@@ -106,7 +109,7 @@ private:
     const std::uint32_t m_rate;
     const std::uint32_t m_heardRate;
     const std::shared_ptr<const ReadingLog> m_heardLog;
-    const Times m_times;
+    const Times m_limits;
     AudioFormat m_format;
     std::shared_ptr<CaptureFeed> m_feed;
     SampleRing m_newest;
@@ -127,9 +130,9 @@ private:
     std::unique_ptr<FormatConverter> m_converter;
     /// Of the device's own frames, those of silence included.
     std::int64_t m_frames = 0;
-    std::optional<FrameTimes> m_sounded;
-    FrameTimes m_heard;
-    std::uint64_t m_nextHeard = 0;
+    std::optional<CaptureTimes> m_times;
+    DriftCompensator m_compensator;
+    std::int64_t m_nextPace = 0;
     /// Blocks that may stand behind a gap.
     std::deque<Block> m_doubtful;
     std::int64_t m_doubtfulFrames = 0;

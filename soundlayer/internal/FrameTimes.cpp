@@ -18,16 +18,15 @@ FrameTimes::FrameTimes(std::uint32_t rate, Beside beside)
 
 void FrameTimes::Add(const Reading& reading)
 {
-    if (!m_open.empty() &&
-        (reading.breaks != m_open.front().breaks || reading.frame - m_open.front().frame >= m_rate)) {
-        m_lines.push_back(OpenLine());
-        m_open.clear();
+    const bool broken = !m_open.empty() && reading.breaks != m_open.front().breaks;
+    if (broken || (!m_open.empty() && reading.frame - m_open.front().frame >= m_rate)) {
+        Close(broken);
     }
     m_open.push_back(reading);
     if (HasMoved()) {
         const std::vector<Reading> moved(m_open.end() - kMovedReadings, m_open.end());
         m_open.resize(m_open.size() - moved.size());
-        m_lines.push_back(OpenLine());
+        Close(true);
         m_open = moved;
     }
 }
@@ -51,6 +50,13 @@ std::optional<SoundClock::time_point> FrameTimes::NewestTimeOf(std::int64_t fram
         return {};
     }
     return OpenLine().origin + TimeOfFrames(frame, m_rate);
+}
+
+void FrameTimes::Close(bool moved)
+{
+    m_lines.push_back(OpenLine());
+    m_open.clear();
+    m_openMoved = moved;
 }
 
 SoundClock::time_point FrameTimes::OriginOf(const Reading& reading) const
@@ -77,7 +83,7 @@ FrameTimes::Line FrameTimes::OpenLine() const
     const auto place =
         origins.begin() + static_cast<std::ptrdiff_t>(origins.size() / (m_beside == Beside::Late ? 4 : 2));
     std::ranges::nth_element(origins, place);
-    return {m_open.front().frame, *place};
+    return {m_open.front().frame, *place, m_openMoved};
 }
 
 } // namespace velmora::soundlayer

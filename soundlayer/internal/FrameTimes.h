@@ -20,6 +20,15 @@ public:
         Moved
     };
 
+    /// A second of frames, or fewer where something moved them.
+    struct Line {
+        std::int64_t firstFrame = 0;
+        /// When frame 0 would have sounded.
+        SoundClock::time_point origin;
+        /// Frames went missing before it or waited, so that the line before it is another for more than its clock.
+        bool moved = false;
+    };
+
     FrameTimes(std::uint32_t rate, Beside beside);
 
     /// Frames rise from reading to reading.
@@ -31,15 +40,14 @@ public:
     /// As `TimeOf`, by the newest line.
     std::optional<SoundClock::time_point> NewestTimeOf(std::int64_t frame) const;
 
-private:
-    struct Line {
-        std::int64_t firstFrame = 0;
-        /// When frame 0 would have sounded.
-        SoundClock::time_point origin;
-    };
+    /// Those that are complete.
+    const std::vector<Line>& Lines() const { return m_lines; }
 
+private:
     SoundClock::time_point OriginOf(const Reading& reading) const;
     Line OpenLine() const;
+    /// What is open becomes a line; the next one is `moved` beside it.
+    void Close(bool moved);
     bool HasMoved() const;
 
     const std::uint32_t m_rate;
@@ -47,6 +55,7 @@ private:
     std::vector<Line> m_lines;
     /// Of the second under way.
     std::vector<Reading> m_open;
+    bool m_openMoved = false;
 };
 
 } // namespace velmora::soundlayer

@@ -180,6 +180,35 @@ TEST(Capture, LinesUpWithWhatIsHeard)
     EXPECT_NEAR(std::chrono::duration<double>(*after).count(), 14 - 0.5, 0.0001);
 }
 
+TEST(Capture, KeepsPaceWithTheOutputWhereTheirClocksRunApart)
+{
+    for (const std::int64_t ppm : {200, -120}) {
+        Captured captured;
+        const auto start = captured.time;
+        const std::int64_t first = captured.capture->FrameBefore(milliseconds(0));
+        std::vector<std::int16_t> taken;
+        std::vector<std::int16_t> room(2 * std::size_t{kRate});
+        for (std::int16_t i = 1; i <= 6000; ++i) {
+            captured.heard->Add({441 * i, start + milliseconds(3000 + 10 * i), 0});
+            captured.time += std::chrono::nanoseconds(10 * ppm);
+            captured.Deliver(i, milliseconds(i % 7));
+            bool lost = false;
+            const auto at = first + static_cast<std::int64_t>(taken.size() / 2);
+            const std::size_t given = captured.capture->Read(at, room.data(), kRate, lost);
+            ASSERT_FALSE(lost);
+            taken.insert(taken.end(), room.begin(), room.begin() + static_cast<std::ptrdiff_t>(2 * given));
+        }
+        EXPECT_EQ(captured.capture->GapFrames(), 0U);
+        // Of a late block: where it lies in the take, and where the output was when it sounded.
+        std::size_t found = 0;
+        while (found < taken.size() / 2 && taken[2 * found] < 5500) {
+            ++found;
+        }
+        const double sounded = 5499 * 441 * (1 + static_cast<double>(ppm) / 1e6);
+        EXPECT_NEAR(static_cast<double>(found), sounded, kRate / 1000.0) << "a millisecond, with " << ppm << " ppm";
+    }
+}
+
 TEST(Capture, GivesSilenceForADeviceThatDeliversNothing)
 {
     Capture::Times soon;
