@@ -1,5 +1,6 @@
 #include "audio/AudioInput_Class.h"
 
+#include "audio/DeviceStart.h"
 #include "audio/internal/EncodedFile.h"
 #include "core/Paths.h"
 #include "core/Units.h"
@@ -76,6 +77,7 @@ bool AudioInput_Class::StartCapture()
     m_fileFailed = false;
     m_inputState = {};
     m_deviceLatencyMS = -1;
+    BassReadLatency(m_environment.config);
     m_outputLatencyMS = m_environment.config.OutputLatencyMS;
     m_bufferMS = m_environment.config.BassBuffer_LengthMS;
     m_device = ResolveInputDevice();

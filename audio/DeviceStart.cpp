@@ -67,8 +67,15 @@ bool BassStartDevice(core::MessageBoxes& messages, core::Configuration& config)
     }
     BassApplyBufferConfig(config);
     BASS_SetConfig(BASS_CONFIG_CURVE_VOL, 0);
-    config.OutputLatencyMS = static_cast<std::int32_t>(info.latency);
     return true;
+}
+
+void BassReadLatency(core::Configuration& config)
+{
+    BASS_INFO info{};
+    if (BASS_GetInfo(&info)) {
+        config.OutputLatencyMS = static_cast<std::int32_t>(info.latency);
+    }
 }
 
 void BassApplyBufferConfig(core::Configuration& config)

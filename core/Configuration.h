@@ -30,7 +30,7 @@ struct Configuration {
     EncoderFormat EncWaveFormat;
     EncoderFormat EncWMAFormat;
 
-    /// The device's own latency in ms. Not stored.
+    /// The device's own latency in ms, as it was when a take last began. Not stored.
     std::int32_t OutputLatencyMS = 0;
 
     std::string GetXMLData() const;

@@ -201,7 +201,7 @@ SOUND_API int BASS_Init(int32_t device, uint32_t freq, uint32_t flags, void* win
 /// Frees every stream, encoder and the device.
 SOUND_API int BASS_Free(void);
 SOUND_API int32_t BASS_GetDevice(void);
-/// May wait for a quarter of a second after `BASS_Init`, until the latency can be told.
+/// The latency is 0 for some ms after `BASS_Init`, until the device has told one.
 SOUND_API int BASS_GetInfo(BASS_INFO* info);
 SOUND_API int BASS_GetDeviceInfo(uint32_t device, BASS_DEVICEINFO* info);
 SOUND_API int BASS_SetConfig(uint32_t option, uint32_t value);

@@ -1,7 +1,6 @@
 #include "soundlayer/internal/CubebDevice.h"
 
 #include <algorithm>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -12,7 +11,6 @@ namespace velmora::soundlayer {
 namespace {
 constexpr std::uint32_t kLeastBufferMS = 20;
 constexpr std::uint32_t kReadingsOfMS = 1000;
-constexpr std::chrono::milliseconds kSettling{250};
 } // namespace
 
 CubebDevice::CubebDevice(Choice choice, std::function<void()> lost)
@@ -75,7 +73,6 @@ void CubebDevice::Stop()
 
 std::uint32_t CubebDevice::LatencyMS() const
 {
-    std::this_thread::sleep_until(m_started + kSettling);
     const std::size_t count = m_readingCount.load(std::memory_order_acquire);
     const std::uint32_t now = SinceStartMS();
     std::vector<std::uint32_t> recent;

@@ -61,12 +61,9 @@ void SurvivingDevice::Stop()
 
 std::uint32_t SurvivingDevice::LatencyMS() const
 {
-    std::unique_lock lock(m_mutex);
-    if (const auto device = m_state == DeviceState::Sounding ? m_device : nullptr) {
-        lock.unlock();
-        const std::uint32_t latency = device->LatencyMS();
-        lock.lock();
-        m_latencyMS = latency;
+    const std::lock_guard lock(m_mutex);
+    if (m_state == DeviceState::Sounding && m_device) {
+        m_latencyMS = m_device->LatencyMS();
     }
     return m_latencyMS;
 }
