@@ -1,6 +1,7 @@
 #include "soundlayer/internal/AudioFile.h"
 
-#include "soundlayer/internal/CodedFile.h"
+#include "soundlayer/internal/Codecs.h"
+#include "soundlayer/internal/FileBytes.h"
 #include "soundlayer/internal/PcmFile.h"
 
 namespace velmora::soundlayer {
@@ -15,8 +16,8 @@ std::unique_ptr<AudioFile> AudioFile::Open(const std::string& file, OpenResult& 
     std::unique_ptr<AudioFile> opened;
     if (const auto layout = ReadWavLayout(*bytes)) {
         opened = std::make_unique<PcmFile>(bytes, *layout);
-    } else {
-        opened = CodedFile::Open(bytes);
+    } else if (const Codecs* codecs = GetCodecs()) {
+        opened = codecs->openFile(bytes);
     }
     result = opened ? OpenResult::Ok : OpenResult::NoSound;
     return opened;

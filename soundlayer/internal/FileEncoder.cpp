@@ -1,8 +1,8 @@
 #include "soundlayer/internal/FileEncoder.h"
 
+#include "soundlayer/internal/Codecs.h"
 #include "soundlayer/internal/FormatConverter.h"
 #include "soundlayer/internal/WavEncoder.h"
-#include "soundlayer/internal/WmaEncoder.h"
 
 #include <algorithm>
 #include <array>
@@ -32,13 +32,14 @@ std::unique_ptr<FileEncoder> FileEncoder::OpenWma(const std::string& file, Audio
                                                   EncoderError& error)
 {
     const auto rates = WmaRates(format);
-    if (rates.empty()) {
+    const Codecs* codecs = GetCodecs();
+    if (rates.empty() || codecs == nullptr) {
         error = EncoderError::InvalidFormat;
         return nullptr;
     }
     const auto distance = [bitrate](std::uint32_t rate) { return rate > bitrate ? rate - bitrate : bitrate - rate; };
     const std::uint32_t nearest = *std::ranges::min_element(rates, {}, distance);
-    return WmaEncoder::Open(file, format, nearest, error);
+    return codecs->openWma(file, format, nearest, error);
 }
 
 FileEncoder::FileEncoder(AudioFormat format)
