@@ -1,6 +1,6 @@
 #!/bin/sh
 # Builds the release preset and prints the tables of docs/BENCHMARKS.md: bench/run.sh [ROUNDS]
-# or only those of takes, on a sound server of its own:                   bench/run.sh alignment [TAKES [BUFFER...]]
+# or only those of takes, on a sound server of its own, cores idle and busy: bench/run.sh alignment [TAKES [BUFFER...]]
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh bench
