@@ -8,6 +8,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFocusEvent>
+#include <QFocusFrame>
 #include <QLineEdit>
 #include <QPainter>
 #include <QRadioButton>
@@ -58,15 +59,14 @@ double RadiusOf(const QWidget& widget)
 
 } // namespace
 
-class FocusRing::Frame : public QWidget {
+/// Of a kind that assistive tools leave out.
+class FocusRing::Frame : public QFocusFrame {
 public:
     Frame(QWidget* window, const QWidget& target)
-        : QWidget(window)
+        : QFocusFrame(window)
         , m_target(target)
     {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
         setAttribute(Qt::WA_NoSystemBackground);
-        setFocusPolicy(Qt::NoFocus);
     }
 
 protected:

@@ -4,10 +4,15 @@
 #include "controls/Drawing.h"
 #include "controls/FocusRing.h"
 #include "controls/Theme.h"
+#include "controls/internal/AccentCaret.h"
+#include "controls/internal/DialogParts.h"
 #include "controls/internal/LookParts.h"
+#include "controls/internal/PopupShape.h"
 #include "controls/internal/TextRendering.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -24,7 +29,8 @@ constexpr int kMenuBarPadding = 9;
 constexpr int kFieldPadding = 7; ///< a field adds 2 of its own
 constexpr int kCheckBox = 14;
 constexpr int kScrollBar = 12;
-constexpr int kLeastThumb = 24;
+constexpr int kDialogMargin = 20;
+constexpr int kAboveButtons = 8;
 
 } // namespace
 
@@ -90,6 +96,11 @@ void LookStyle::drawControl(ControlElement element, const QStyleOption* option, 
             DrawPushButton(*button, *painter);
         }
         return;
+    case CE_HeaderSection:
+        if (const auto* header = qstyleoption_cast<const QStyleOptionHeader*>(option)) {
+            DrawHeaderGround(*header, *painter);
+        }
+        return;
     case CE_ProgressBar:
         if (const auto* bar = qstyleoption_cast<const QStyleOptionProgressBar*>(option)) {
             DrawProgressBar(*bar, *painter);
@@ -103,9 +114,17 @@ void LookStyle::drawControl(ControlElement element, const QStyleOption* option, 
 void LookStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                    const QWidget* widget) const
 {
-    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
-    if (control == CC_ScrollBar && bar) {
+    if (const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option); control == CC_ScrollBar && bar) {
         DrawScrollBar(*bar, subControlRect(control, option, SC_ScrollBarSlider, widget), *painter);
+        return;
+    }
+    if (const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option); control == CC_ComboBox && combo) {
+        DrawDialogCombo(*combo, *painter);
+        return;
+    }
+    if (const auto* button = qstyleoption_cast<const QStyleOptionToolButton*>(option);
+        control == CC_ToolButton && button) {
+        DrawDialogToolButton(*button, *painter);
         return;
     }
     QProxyStyle::drawComplexControl(control, option, painter, widget);
@@ -114,35 +133,14 @@ void LookStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
 QRect LookStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                                 const QWidget* widget) const
 {
+    if (control == CC_ComboBox && part == SC_ComboBoxEditField) {
+        return DialogComboText(option->rect);
+    }
     const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (control != CC_ScrollBar || !bar) {
         return QProxyStyle::subControlRect(control, option, part, widget);
     }
-    // All of the bar is lane; there are no arrows.
-    const bool across = bar->orientation == Qt::Horizontal;
-    const QRect lane = bar->rect.adjusted(across ? 2 : 0, across ? 0 : 2, across ? -2 : 0, across ? 0 : -2);
-    const int length = across ? lane.width() : lane.height();
-    const double range = static_cast<double>(bar->maximum) - bar->minimum + bar->pageStep;
-    const int thumb = std::clamp(static_cast<int>(length * bar->pageStep / std::max(range, 1.0)),
-                                 std::min(kLeastThumb, length), length);
-    const int at =
-        sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - thumb, bar->upsideDown);
-    const QRect slider = across ? QRect(lane.left() + at, lane.top(), thumb, lane.height())
-                                : QRect(lane.left(), lane.top() + at, lane.width(), thumb);
-    switch (part) {
-    case SC_ScrollBarGroove:
-        return lane;
-    case SC_ScrollBarSlider:
-        return slider;
-    case SC_ScrollBarSubPage:
-        return across ? QRect(lane.topLeft(), QPoint(slider.left() - 1, lane.bottom()))
-                      : QRect(lane.topLeft(), QPoint(lane.right(), slider.top() - 1));
-    case SC_ScrollBarAddPage:
-        return across ? QRect(QPoint(slider.right() + 1, lane.top()), lane.bottomRight())
-                      : QRect(QPoint(lane.left(), slider.bottom() + 1), lane.bottomRight());
-    default:
-        return {};
-    }
+    return ScrollBarPart(*bar, part);
 }
 
 int LookStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
@@ -173,7 +171,14 @@ int LookStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
     case PM_ScrollBarExtent:
         return kScrollBar;
     case PM_ScrollBarSliderMin:
-        return kLeastThumb;
+        return kLeastScrollThumb;
+    case PM_LayoutLeftMargin:
+    case PM_LayoutTopMargin:
+    case PM_LayoutRightMargin:
+    case PM_LayoutBottomMargin:
+        return qobject_cast<const QDialog*>(widget) ? kDialogMargin : QProxyStyle::pixelMetric(metric, option, widget);
+    case PM_TextCursorWidth:
+        return 0; // AccentCaret
     case PM_ButtonShiftHorizontal:
     case PM_ButtonShiftVertical:
         return 0;
@@ -215,6 +220,8 @@ QSize LookStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
         return {size.width() + 2 * kMenuBarPadding, theme::kControlHeight};
     case CT_LineEdit:
         return {size.width() + 2 * kFieldPadding, theme::kControlHeight};
+    case CT_ComboBox:
+        return {size.width() + 32, theme::kControlHeight};
     case CT_PushButton:
         return {std::max(80, size.width() + 32), theme::kControlHeight};
     default:
@@ -231,16 +238,24 @@ QRect LookStyle::subElementRect(SubElement element, const QStyleOption* option, 
     return QProxyStyle::subElementRect(element, option, widget);
 }
 
+QIcon LookStyle::standardIcon(StandardPixmap which, const QStyleOption* option, const QWidget* widget) const
+{
+    const QIcon icon = DialogIcon(which);
+    return icon.isNull() ? QProxyStyle::standardIcon(which, option, widget) : icon;
+}
+
 void LookStyle::polish(QWidget* widget)
 {
-    if (qobject_cast<QMenu*>(widget) || widget->inherits("QTipLabel")) {
-        // Round corners.
-        widget->setAttribute(Qt::WA_TranslucentBackground);
-        widget->setWindowFlag(Qt::NoDropShadowWindowHint);
+    if (qobject_cast<QMenu*>(widget)) {
+        PopupShape::Attach(widget, theme::kMenuRadius, PopupShape::Shadow::Below);
     }
     if (widget->inherits("QTipLabel")) {
+        PopupShape::Attach(widget, theme::kRadius, PopupShape::Shadow::None);
         widget->setContentsMargins(4, 0, 4, 0);
         widget->setFont(theme::Font(11));
+    }
+    if (const auto* box = qobject_cast<QDialogButtonBox*>(widget); box && box->orientation() == Qt::Horizontal) {
+        widget->setContentsMargins(0, kAboveButtons, 0, 0);
     }
     QProxyStyle::polish(widget);
 }
@@ -251,12 +266,14 @@ void InstallLook(QApplication& application)
     QApplication::setStyle(new LookStyle);
     QApplication::setPalette(theme::Palette());
     application.setFont(theme::Font(12));
-    for (const char* name : {"QMenu", "QMenuBar", "QLabel", "QCheckBox", "QRadioButton", "QPushButton", "QListView"}) {
+    for (const char* name : {"QMenu", "QMenuBar", "QLabel", "QCheckBox", "QRadioButton", "QPushButton", "QListView",
+                             "QTreeView", "QHeaderView", "QComboBox"}) {
         QApplication::setFont(theme::Font(12), name);
     }
     QApplication::setFont(theme::Font(11), "QLineEdit");
     QToolTip::setFont(theme::Font(11));
     QToolTip::setPalette(theme::Palette());
+    AccentCaret::Install();
     FocusRing::Install();
     InstallAccessibility();
 }

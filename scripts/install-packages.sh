@@ -4,7 +4,7 @@ set -euo pipefail
 
 build=(g++ cmake ninja-build ccache pkg-config python3 libavformat-dev libavcodec-dev libavutil-dev libswresample-dev
     libsoxr-dev libsndfile1-dev libreaderwriterqueue-dev libcubeb-dev libasound2-dev libgtest-dev libgmock-dev libbenchmark-dev
-    qt6-base-dev qt6-svg-dev libfreetype-dev)
+    qt6-base-dev qt6-svg-dev libfreetype-dev libxcb1-dev)
 test=("${build[@]}" sox ffmpeg python3-numpy pulseaudio pulseaudio-utils clang-format clang-tidy fonts-inter
     fonts-dejavu-core xvfb openbox xdotool x11-utils imagemagick)
 bench=("${test[@]}" ecasound tap-plugins swh-plugins caps)

@@ -162,6 +162,35 @@ void DrawProgressBar(const QStyleOptionProgressBar& bar, QPainter& painter)
     }
 }
 
+QRect ScrollBarPart(const QStyleOptionSlider& bar, QStyle::SubControl part)
+{
+    // All of the bar is lane; there are no arrows.
+    const bool across = bar.orientation == Qt::Horizontal;
+    const QRect lane = bar.rect.adjusted(across ? 2 : 0, across ? 0 : 2, across ? -2 : 0, across ? 0 : -2);
+    const int length = across ? lane.width() : lane.height();
+    const double range = static_cast<double>(bar.maximum) - bar.minimum + bar.pageStep;
+    const int thumb = std::clamp(static_cast<int>(length * bar.pageStep / std::max(range, 1.0)),
+                                 std::min(kLeastScrollThumb, length), length);
+    const int at =
+        QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, length - thumb, bar.upsideDown);
+    const QRect slider = across ? QRect(lane.left() + at, lane.top(), thumb, lane.height())
+                                : QRect(lane.left(), lane.top() + at, lane.width(), thumb);
+    switch (part) {
+    case QStyle::SC_ScrollBarGroove:
+        return lane;
+    case QStyle::SC_ScrollBarSlider:
+        return slider;
+    case QStyle::SC_ScrollBarSubPage:
+        return across ? QRect(lane.topLeft(), QPoint(slider.left() - 1, lane.bottom()))
+                      : QRect(lane.topLeft(), QPoint(lane.right(), slider.top() - 1));
+    case QStyle::SC_ScrollBarAddPage:
+        return across ? QRect(QPoint(slider.right() + 1, lane.top()), lane.bottomRight())
+                      : QRect(QPoint(lane.left(), slider.bottom() + 1), lane.bottomRight());
+    default:
+        return {};
+    }
+}
+
 void DrawScrollBar(const QStyleOptionSlider& bar, const QRect& thumb, QPainter& painter)
 {
     painter.fillRect(bar.rect, theme::Deck);

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <QRect>
 #include <QString>
+#include <QStyle>
 #include <utility>
 
 class QPainter;
-class QRect;
 class QSize;
 class QStyleOption;
 class QStyleOptionButton;
@@ -24,6 +25,8 @@ void DrawPushButton(const QStyleOptionButton& button, QPainter& painter);
 /// A check box, or a round one for one choice of several.
 void DrawCheckBox(const QStyleOption& option, QPainter& painter, bool round);
 void DrawProgressBar(const QStyleOptionProgressBar& bar, QPainter& painter);
+inline constexpr int kLeastScrollThumb = 24;
+QRect ScrollBarPart(const QStyleOptionSlider& bar, QStyle::SubControl part);
 /// The lane, and the thumb at `thumb` in it.
 void DrawScrollBar(const QStyleOptionSlider& bar, const QRect& thumb, QPainter& painter);
 
