@@ -6,7 +6,9 @@
 #include "controls/Theme.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPainter>
 
@@ -14,6 +16,8 @@ namespace velmora::app {
 namespace {
 
 constexpr int kInputWidth = 388;
+/// Of a message and its mark.
+constexpr int kLeastWidth = 348;
 
 QMessageBox::Icon QtIcon(core::Icon icon)
 {
@@ -76,6 +80,8 @@ int Run(core::Icon icon, std::string_view title, std::string_view text, QMessage
     if (!note.empty()) {
         box.setInformativeText(ToQt(note));
     }
+    auto* rows = qobject_cast<QGridLayout*>(box.layout());
+    rows->addItem(new QSpacerItem(kLeastWidth, 0), rows->rowCount(), 0, 1, rows->columnCount());
     return box.exec();
 }
 
@@ -111,6 +117,12 @@ std::optional<std::string> QtInputBox::Ask(std::string_view title, std::string_v
     box.setWindowTitle(ToQt(title));
     box.setLabelText(ToQt(prompt));
     box.setTextValue(ToQt(suggestion));
+    if (auto* label = box.findChild<QLabel*>()) {
+        label->setFont(controls::theme::Font(11));
+        QPalette colours = label->palette();
+        colours.setColor(QPalette::WindowText, controls::theme::Text2);
+        label->setPalette(colours);
+    }
     box.resize(kInputWidth, box.sizeHint().height());
     if (box.exec() != QDialog::Accepted) {
         return std::nullopt;

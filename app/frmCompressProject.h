@@ -7,11 +7,10 @@
 #include <QElapsedTimer>
 
 class QFormLayout;
-class QLabel;
-
 namespace velmora::controls {
+class ValueLabel;
 class VUMeter_UserCtrl;
-}
+} // namespace velmora::controls
 
 namespace velmora::app {
 
@@ -38,9 +37,9 @@ private:
     audio::ProjectCompression m_compression;
     ElidedLabel* m_source;
     ElidedLabel* m_destination;
-    QLabel* m_fileNumber;
+    controls::ValueLabel* m_fileNumber;
     controls::VUMeter_UserCtrl* m_progress;
-    QLabel* m_left;
+    controls::ValueLabel* m_left;
     QElapsedTimer m_elapsed;
 };
 

@@ -48,6 +48,7 @@ frmEvEd_LoadMusicFile::frmEvEd_LoadMusicFile(project::ProjectFile_Class& project
     m_start->setChecked(true);
     m_events->setObjectName("Combo1");
     m_events->setAccessibleName("Event");
+    m_events->SetEmptyText("Choose an event");
     m_events->setMinimumWidth(kListWidth);
     ListEvents(channel);
     connect(m_events, &controls::Combo::activated, m_after, [this] { m_after->setChecked(true); });

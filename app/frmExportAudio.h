@@ -8,11 +8,10 @@
 #include <cstdint>
 #include <functional>
 
-class QLabel;
-
 namespace velmora::controls {
+class ValueLabel;
 class VUMeter_UserCtrl;
-}
+} // namespace velmora::controls
 
 namespace velmora::app {
 
@@ -39,8 +38,8 @@ private:
     core::Environment& m_environment;
     audio::AudioExport m_export;
     ElidedLabel* m_file;
-    QLabel* m_position;
-    QLabel* m_left;
+    controls::ValueLabel* m_position;
+    controls::ValueLabel* m_left;
     controls::VUMeter_UserCtrl* m_meter;
     QElapsedTimer m_elapsed;
 };

@@ -51,7 +51,7 @@ frmFileNotFound_DIALOG::frmFileNotFound_DIALOG(core::FileDialogs& dialogs, std::
     connect(retry, &QPushButton::clicked, this, [this] { done(Result(core::FileNotFoundAnswer::Retry)); });
     connect(replace, &QPushButton::clicked, this, [this] { Replace(); });
     connect(ignore, &QPushButton::clicked, this, [this] { reject(); });
-    resize(kWidth, sizeHint().height());
+    resize(kWidth, heightForWidth(kWidth));
 }
 
 QPushButton* frmFileNotFound_DIALOG::AddButton(const char* caption, const char* name)

@@ -7,6 +7,11 @@
 #include <QPainter>
 
 namespace velmora::controls {
+namespace {
+
+constexpr double kFieldPadding = 9;
+
+} // namespace
 
 ValueLabel::ValueLabel(const QFont& font, Qt::Alignment alignment, QWidget* parent)
     : QLabel(parent)
@@ -28,6 +33,20 @@ void ValueLabel::paintEvent(QPaintEvent* /*event*/)
     painter.setFont(font());
     painter.setPen(isEnabled() ? theme::Text : theme::Text3);
     DrawDigits(painter, rect(), text(), alignment());
+}
+
+CaptionLabel::CaptionLabel(const QString& text, QWidget* parent)
+    : QLabel(text, parent)
+{
+    setFont(theme::Font(11));
+}
+
+void CaptionLabel::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    painter.setFont(font());
+    painter.setPen(theme::Text2);
+    DrawLine(painter, rect(), Qt::AlignLeft, text());
 }
 
 TitleLabel::TitleLabel(QWidget* parent)
@@ -62,8 +81,9 @@ void TitleLabel::paintEvent(QPaintEvent* /*event*/)
     const QString shown = Shown();
     DrawLine(painter, rect(), Qt::AlignLeft, shown);
     if (underMouse()) {
-        painter.setPen(QPen(theme::Text2, 1, Qt::DotLine));
-        const double y = PixelGrid(painter).Y(height() - 3.0) + 0.5;
+        const double line = PixelGrid(painter).Hairline();
+        painter.setPen(QPen(theme::Text2, line, Qt::DotLine));
+        const double y = PixelGrid(painter).Y(height() - 3.0) + line / 2;
         painter.drawLine(QPointF(0, y), QPointF(QFontMetricsF(font()).horizontalAdvance(shown), y));
     }
 }
@@ -108,6 +128,19 @@ void ReadOnlyField::SetText(const QString& text)
     setPalette(colours);
     setText(shown);
     setCursorPosition(0);
+}
+
+void ReadOnlyField::paintEvent(QPaintEvent* event)
+{
+    if (hasSelectedText()) {
+        QLineEdit::paintEvent(event);
+        return;
+    }
+    QPainter painter(this);
+    FillRound(painter, rect(), theme::kRadius, theme::Well);
+    painter.setFont(font());
+    painter.setPen(palette().color(QPalette::Text));
+    DrawElided(painter, QRectF(rect()).adjusted(kFieldPadding, 0, -kFieldPadding, 0), Qt::AlignLeft, text());
 }
 
 void ReadOnlyField::focusInEvent(QFocusEvent* event)

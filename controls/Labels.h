@@ -19,6 +19,17 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
+/// The quiet name of what stands beside it.
+class CaptionLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    CaptionLabel(const QString& text, QWidget* parent);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
 /// A title that the user may change: by a double click, Return or F2. Cut to its width.
 class TitleLabel : public QLabel, public FocusShaped {
     Q_OBJECT
@@ -41,7 +52,7 @@ private:
     QString Shown() const;
 };
 
-/// A field to read a text from.
+/// A field to read a text from; what does not fit is cut with an ellipsis.
 class ReadOnlyField : public QLineEdit {
     Q_OBJECT
 
@@ -55,6 +66,7 @@ signals:
     void KeyboardFocus(bool got);
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 };
