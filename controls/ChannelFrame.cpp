@@ -102,7 +102,7 @@ void ChannelFrame::paintEvent(QPaintEvent* /*event*/)
     painter.setFont(theme::Font(11));
     painter.setPen(theme::Text2);
     for (const Caption& caption : m_captions) {
-        painter.drawText(QPointF(caption.left, grid.Y(caption.baseline)), caption.text);
+        DrawLine(painter, {caption.left, caption.middle, 0, 0}, Qt::AlignLeft, caption.text);
     }
     PaintMore(painter);
 }

@@ -47,7 +47,7 @@ protected:
     void AddVolume(const char* slider, const char* buttons, const char* label);
     /// The switches' row, pack combo and output meter.
     void AddLowerPart(const QString& soloToolTip, const QString& keyPrefix);
-    void AddCaption(const QString& text, double baseline);
+    void AddCaption(const QString& text, double middle);
 
     void ShowFile(const std::string& /*title*/) override {}
     void ShowInputLevel(std::int32_t /*level*/) override {}
@@ -61,7 +61,7 @@ private:
     struct Caption {
         QString text;
         double left;
-        double baseline;
+        double middle;
     };
 
     void AddHead();

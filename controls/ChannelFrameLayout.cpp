@@ -54,9 +54,9 @@ void ChannelFrame::AddHead()
     }
 }
 
-void ChannelFrame::AddCaption(const QString& text, double baseline)
+void ChannelFrame::AddCaption(const QString& text, double middle)
 {
-    m_captions.append({text, 16, baseline});
+    m_captions.append({text, 16, middle});
 }
 
 void ChannelFrame::ConnectValue(imgScroll& slider, ValueLabel& label, StripValue which)
@@ -103,7 +103,7 @@ void ChannelFrame::AddSteps(imgScroll& slider, const char* name, const QPoint& p
 
 void ChannelFrame::AddVolume(const char* slider, const char* buttons, const char* label)
 {
-    AddCaption(tr("Volume:"), 64);
+    AddCaption(tr("Volume:"), 60);
     auto* fader = new imgVScroll(m_content);
     fader->setObjectName(slider);
     fader->setGeometry(16, 74, 36, 106);
@@ -118,7 +118,7 @@ void ChannelFrame::AddRow(int row, StripValue which, const char* slider, const c
 {
     const int top = kRowTop + kRowStep * row;
     const StripValueInfo& info = InfoOf(which);
-    m_captions.append({tr(info.caption), 104, top + 10.0});
+    m_captions.append({tr(info.caption), 104, top + 6.0});
     auto* value = new ValueLabel(theme::Font(11, QFont::Medium), Qt::AlignRight, m_content);
     value->setGeometry(220, top - 1, 100, 14);
     auto* scroll = new imgHScroll(m_content);
@@ -171,7 +171,7 @@ void ChannelFrame::AddLowerPart(const QString& soloToolTip, const QString& keyPr
 {
     AddSwitch(StripSwitch::Mute, "MuteButton", {104, 194, 106, 26}, tr("Mute this channel"), keyPrefix + 'M');
     AddSwitch(StripSwitch::Solo, "soloButton", {214, 194, 106, 26}, soloToolTip, keyPrefix + 'S');
-    AddCaption(tr("Effects:"), 259);
+    AddCaption(tr("Effects:"), 255);
     m_packs = new Combo(m_content);
     m_packs->setObjectName("Combo2");
     m_packs->setGeometry(104, 242, 140, 26);
@@ -186,7 +186,7 @@ void ChannelFrame::AddLowerPart(const QString& soloToolTip, const QString& keyPr
             [this] { m_presenter.SetupFX(); });
     connect(AddButton("save", "button_SaveFX", {286, 242, 34, 26}, tr("Save the effects as a pack")),
             &imgButton::clicked, this, [this] { m_presenter.SavePack(); });
-    AddCaption(tr("Level:"), 288);
+    AddCaption(tr("Level:"), 284);
     m_meter = AddMeter("VUMeter", {100, 277, 220, 14}, tr("Level"));
 }
 

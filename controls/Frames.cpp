@@ -18,7 +18,7 @@ MusicFrame_UserCtrl::MusicFrame_UserCtrl(QWidget* parent)
     AddRow(1, StripValue::Pitch, "music_pitch_HScroll", "music_PitchValue_Button");
     AddRow(2, StripValue::VoiceRemoval, "music_VoiceRem_HScroll", "music_VoiceRemValue_Button");
     AddLowerPart(tr("Solo this channel"), QStringLiteral("Shift+"));
-    AddCaption(tr("File:"), 317);
+    AddCaption(tr("File:"), 313);
     m_file = new ReadOnlyField(Content());
     m_file->setObjectName("Text1");
     m_file->setGeometry(104, 300, 178, 26);
@@ -45,7 +45,7 @@ VoiceFrame_UserCtrl::VoiceFrame_UserCtrl(QWidget* parent)
               QStringLiteral("L"));
     // Solo's tool tip is that of Mute.
     AddLowerPart(tr("Mute this channel"), {});
-    AddCaption(tr("Input:"), 317);
+    AddCaption(tr("Input:"), 313);
     m_inputMeter = AddMeter("RecVUMeter", {100, 306, 220, 14}, tr("Input"));
 }
 

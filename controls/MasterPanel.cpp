@@ -92,7 +92,7 @@ void MasterPanel::paintEvent(QPaintEvent* /*event*/)
     FillSharp(painter, grid.HairlineAlong({16, 44, 66, 1}), theme::Line);
     painter.setFont(theme::Font(11));
     painter.setPen(theme::Text2);
-    painter.drawText(QPointF(16, grid.Y(64)), tr("Volume:"));
+    DrawLine(painter, {16, 60, 0, 0}, Qt::AlignLeft, tr("Volume:"));
 }
 
 } // namespace velmora::controls

@@ -86,6 +86,8 @@ void VUMeter_UserCtrl::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     const QRect dirty = event->rect();
     painter.fillRect(dirty, m_look.BackColor);
+    const PixelGrid grid(painter);
+    const double gap = (m_look.BarWidth - m_look.BarShapeWidth) * grid.Hairline();
     const std::int32_t lit = LitBars();
     const std::int32_t last = m_look.ShowEmptyBars ? BarCount() : lit;
     for (std::int32_t i = std::max(dirty.left() / m_look.BarWidth, 1); i <= last; ++i) {
@@ -93,7 +95,11 @@ void VUMeter_UserCtrl::paintEvent(QPaintEvent* event)
         if (bar.left() > dirty.right()) {
             break;
         }
-        FillSharp(painter, bar, i <= lit ? BarColour(i) : m_look.EmptyBarColor);
+        // Gaps are alike at every scale, and the bars take what is left.
+        const double left = grid.X(bar.left());
+        const double right = grid.X(bar.left() + m_look.BarWidth) - gap;
+        FillSharp(painter, {left, static_cast<double>(bar.top()), right - left, static_cast<double>(bar.height())},
+                  i <= lit ? BarColour(i) : m_look.EmptyBarColor);
     }
     if (m_look.BorderVisible) {
         OutlineRound(painter, rect(), 0, m_look.BorderColor);

@@ -3,8 +3,9 @@
 #include "controls/imgScroll.h"
 
 #include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 
 namespace velmora::controls {
 namespace {
@@ -22,11 +23,16 @@ QColor Faint(QColor colour, float alpha)
     return colour;
 }
 
-/// A knob or cap with the rim that parts it from its groove.
-void DrawHandle(QPainter& painter, const QRectF& rect, const QColor& colour)
+/// A knob or cap with the rim that parts it from its groove, and the line in its middle.
+void DrawHandle(QPainter& painter, const QRectF& rect, const QColor& colour, const QSizeF& line, float lineAlpha)
 {
     FillRound(painter, rect.adjusted(-1, -1, 1, 1), theme::kRadius + 1, theme::Deck);
     FillRound(painter, rect, theme::kRadius, colour);
+    // Not on whole pixels, which would put it beside the middle of an even number of them.
+    QRectF grip(QPointF(), line);
+    grip.moveCenter(PixelGrid(painter).Rect(rect).center());
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(grip, Faint(theme::Ground, lineAlpha));
 }
 
 } // namespace
@@ -72,8 +78,7 @@ void imgHScroll::paintEvent(QPaintEvent* /*event*/)
         const auto [from, to] = std::minmax({origin, knob.center().x()});
         FillRound(painter, {from, groove.top(), to - from, kGroove}, kGroove / 2, theme::Accent);
     }
-    DrawHandle(painter, knob, HandleColour());
-    FillSharp(painter, {knob.center().x() - 0.5, middle - 4, 1, 8}, Faint(theme::Ground, 0.55F));
+    DrawHandle(painter, knob, HandleColour(), {1, 8}, 0.55F);
 }
 
 imgVScroll::imgVScroll(QWidget* parent)
@@ -107,17 +112,18 @@ void imgVScroll::paintEvent(QPaintEvent* /*event*/)
     if (isEnabled()) {
         FillRound(painter, groove.adjusted(0, CapMiddle(), 0, 0), kFaderGroove / 2, theme::Accent);
     }
-    const double inset = kCap.height() / 2;
-    for (int quarter = 0; quarter <= 4; ++quarter) {
-        const double length = quarter % 2 == 0 ? 6 : 4;
-        const double y = inset + (height() - 2 * inset) * quarter / 4.0;
-        const PixelGrid grid(painter);
+    const PixelGrid grid(painter);
+    const double middle = grid.Y(height() / 2.0);
+    const double step = (height() - kCap.height()) / 4;
+    for (int tick = -2; tick <= 2; ++tick) {
+        const double length = tick % 2 == 0 ? 6 : 4;
+        // Above and below the middle alike.
+        const double apart = std::floor(step * std::abs(tick) * grid.Scale()) / grid.Scale();
+        const double y = tick < 0 ? middle - apart : middle + apart;
         FillSharp(painter, grid.HairlineAlong({groove.left() - 3 - length, y, length, 1}), theme::Mark);
         FillSharp(painter, grid.HairlineAlong({groove.right() + 3, y, length, 1}), theme::Mark);
     }
-    const QRectF cap = FocusShape();
-    DrawHandle(painter, cap, HandleColour());
-    FillSharp(painter, {cap.left() + 4, cap.center().y() - 0.5, 20, 1}, Faint(theme::Ground, 0.6F));
+    DrawHandle(painter, FocusShape(), HandleColour(), {20, 1}, 0.6F);
 }
 
 imgHFill::imgHFill(QWidget* parent)
@@ -133,15 +139,13 @@ double imgHFill::ValueAt(const QPointF& at) const
 void imgHFill::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    FillRound(painter, rect(), theme::kRadius, theme::Well);
-    const double end = SliderTrack{0, static_cast<double>(width()), 0}.KnobLeft(Range());
-    QPainterPath shape;
-    shape.addRoundedRect(rect(), theme::kRadius, theme::kRadius);
-    painter.setClipPath(shape);
-    FillSharp(painter, {0, 0, end, static_cast<double>(height())}, isEnabled() ? theme::AccentLo : theme::Line);
+    const QRectF field = rect();
+    FillRound(painter, field, theme::kRadius, theme::Well);
+    const double end = SliderTrack{0, field.width(), 0}.KnobLeft(Range());
+    FillRound(painter, {0, 0, end, field.height()}, theme::kRadius, isEnabled() ? theme::AccentLo : theme::Raised);
     if (isEnabled() && end >= kFillBorder) {
-        FillSharp(painter, {end - kFillBorder, 0, kFillBorder, static_cast<double>(height())},
-                  underMouse() ? theme::AccentHi : theme::Accent);
+        FillRound(painter, {end - kFillBorder, 0, kFillBorder, field.height()}, kFillBorder / 2,
+                  underMouse() || Dragged() ? theme::AccentHi : theme::Accent);
     }
 }
 

@@ -96,7 +96,7 @@ private:
             button->SetIcon(icon);
             button->SetShowsValue();
             button->SetValue(column == On || column == OnHovered || (hasOn && caption == "Solo" && column == Focused));
-            button->setGeometry(QRect({column, y}, size));
+            button->setGeometry(QRect({column + (look == ButtonLook::Step ? 3 : 0), y}, size));
             button->setDown(column == PressedDown);
             InState(*button, column);
         }
