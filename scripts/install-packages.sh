@@ -6,7 +6,8 @@ build=(g++ cmake ninja-build ccache pkg-config python3 libavformat-dev libavcode
     libsoxr-dev libsndfile1-dev libreaderwriterqueue-dev libcubeb-dev libasound2-dev libgtest-dev libgmock-dev libbenchmark-dev
     qt6-base-dev qt6-svg-dev libfreetype-dev libxcb1-dev)
 test=("${build[@]}" sox ffmpeg python3-numpy pulseaudio pulseaudio-utils clang-format clang-tidy fonts-inter
-    fonts-dejavu-core xvfb openbox xdotool x11-utils imagemagick)
+    fonts-dejavu-core xvfb openbox xdotool x11-utils imagemagick
+    dbus-daemon at-spi2-core gir1.2-atspi-2.0 python3-gi)
 bench=("${test[@]}" ecasound tap-plugins swh-plugins caps)
 package=("${build[@]}" file dpkg-dev)
 screenshots=("${build[@]}" xvfb openbox xdotool imagemagick fonts-inter fonts-dejavu-core)
