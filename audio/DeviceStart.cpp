@@ -67,6 +67,7 @@ bool BassStartDevice(core::MessageBoxes& messages, core::Configuration& config)
     }
     BassApplyBufferConfig(config);
     BASS_SetConfig(BASS_CONFIG_CURVE_VOL, 0);
+    BassReadLatency(config);
     return true;
 }
 
