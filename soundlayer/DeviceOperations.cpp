@@ -207,6 +207,16 @@ int Sound_SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user)
     });
 }
 
+void Sound_MixNow(void)
+{
+    Operation(0, [] {
+        if (const auto& output = Library::Get().output) {
+            output->MixNow();
+        }
+        return 1;
+    });
+}
+
 int Sound_OnMixingThread(void)
 {
     return velmora::soundlayer::OnMixingThread() ? 1 : 0;

@@ -312,6 +312,9 @@ SOUND_API int Sound_EncodeFailed(uint32_t encoder);
 SOUND_API void Sound_SetThreads(uint32_t threads);
 /// The one heartbeat of the device; null takes it away.
 SOUND_API int Sound_SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user);
+/// What the heartbeat does next is heard as soon as the device's buffer has room, and not only when the update period
+/// is over. Returns at once.
+SOUND_API void Sound_MixNow(void);
 /// Edits between begin and end reach the mixing thread together. Calls may nest.
 SOUND_API void Sound_BeginEdit(void);
 SOUND_API void Sound_EndEdit(void);

@@ -227,6 +227,7 @@ void Planner::Publish(Task& task, bool& jumpIsDue)
 {
     auto plan = std::make_unique<PlaybackPlan>();
     plan->voices = m_voices;
+    const bool jumps = jumpIsDue;
     if (jumpIsDue) {
         plan->jumpTo = task.seek->frame;
         plan->seek = task.seek->number;
@@ -234,6 +235,9 @@ void Planner::Publish(Task& task, bool& jumpIsDue)
         jumpIsDue = false;
     }
     m_mixSide.Publish(std::move(plan));
+    if (jumps) {
+        Sound_MixNow();
+    }
 }
 
 } // namespace velmora::engine

@@ -77,6 +77,15 @@ void Output::SetBuffer(std::uint32_t bufferMS, std::uint32_t periodMS)
     m_wake.notify_all();
 }
 
+void Output::MixNow()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_hurry = true;
+    }
+    m_wake.notify_all();
+}
+
 void Output::SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user)
 {
     m_edits.Replace(m_alive, m_heartbeat, proc ? std::make_shared<const Heartbeat>(Heartbeat{proc, user}) : nullptr);
@@ -123,7 +132,9 @@ void Output::Mix()
             return;
         }
         m_blockUnderWay = true;
+        const bool hurry = std::exchange(m_hurry, false);
         lock.unlock();
+        const std::uint64_t before = MixedFrames();
         const bool filled = m_edits.BeginBlocks();
         if (filled) {
             const MixingThreadMark mark;
@@ -133,8 +144,11 @@ void Output::Mix()
         lock.lock();
         m_blockUnderWay = false;
         m_wake.notify_all();
-        const std::chrono::milliseconds pause(filled ? m_periodMS.load() : 1);
-        m_wake.wait_for(lock, pause, [this] { return !m_mixing || m_ending; });
+        // A full ring takes what was to come now as soon as the device has asked for more.
+        const bool again = !filled || (hurry && MixedFrames() == before);
+        m_hurry = m_hurry || (hurry && again);
+        const std::chrono::milliseconds pause(again ? 1 : m_periodMS.load());
+        m_wake.wait_for(lock, pause, [&] { return !m_mixing || m_ending || (m_hurry && !again); });
     }
 }
 

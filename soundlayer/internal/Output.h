@@ -38,6 +38,8 @@ public:
 
     /// Fill of the ring and time between two fillings, in ms; at once.
     void SetBuffer(std::uint32_t bufferMS, std::uint32_t periodMS);
+    /// The next block is mixed as soon as the ring has room, and not only when the period is over.
+    void MixNow();
     /// Called before each block; waits until the former one is called no more.
     void SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user);
     std::uint64_t MissedFrames() const { return m_missed.load(std::memory_order_relaxed); }
@@ -82,6 +84,7 @@ private:
     std::condition_variable m_wake;
     bool m_mixing = false;
     bool m_blockUnderWay = false;
+    bool m_hurry = false;
     bool m_ending = false;
     std::thread m_thread;
 };

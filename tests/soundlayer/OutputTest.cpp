@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -92,6 +93,30 @@ TEST(Output, TheDeviceGetsEveryFrameOnceAndCountsWhatIsMissing)
     }
     EXPECT_GE(beats, heard);
     EXPECT_LE(beats, heard + 5 * 4410) << "the ring holds no more than its buffer";
+}
+
+TEST(Output, MixesWhenToldToWhateverItsPeriod)
+{
+    GraphEdits edits;
+    auto owned = std::make_unique<HandDriven>();
+    HandDriven& device = *owned;
+    Output output(std::move(owned), 44'100, edits);
+    output.SetBuffer(100, 3'600'000);
+    ASSERT_TRUE(output.Start());
+    const auto mixes = [&](std::uint64_t frames) {
+        while (output.MixedFrames() < frames) {
+            std::this_thread::yield();
+        }
+    };
+    output.Play(std::make_shared<Counting>());
+    mixes(4410);
+    device.Ask(441);
+    output.MixNow();
+    mixes(4851);
+    output.MixNow();
+    device.Ask(441);
+    mixes(5292);
+    EXPECT_EQ(output.MixedFrames(), 5292U);
 }
 
 TEST(Output, StoppingHandsTheStreamBack)
