@@ -1,15 +1,20 @@
 #!/bin/sh
 # Builds the release preset and prints the tables of docs/BENCHMARKS.md: bench/run.sh [ROUNDS]
-# or only those of takes, on a sound server of its own, cores idle and busy: bench/run.sh alignment [TAKES [BUFFER...]]
+# or only those of takes' alignment, on a sound server of its own, cores idle and busy:
+#                                                                   bench/run.sh alignment [TAKES [BUFFER...]]
+# or only how long a take needs to start and an input to be heard:  bench/run.sh recording [TAKES]
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh bench
 cmake --preset release >/dev/null
-if [ "${1:-}" = alignment ]; then
+case ${1:-} in
+alignment | recording)
+    program=velmora-$1-bench
     shift
-    cmake --build --preset release --target velmora-alignment-bench
-    exec build/release/bin/velmora-alignment-bench "$@"
-fi
+    cmake --build --preset release --target "$program"
+    exec "build/release/bin/$program" "$@"
+    ;;
+esac
 cmake --build --preset release --target velmora-render velmora-decode-bench velmora-load-bench velmora-bus-bench \
     velmora-undo-bench velmora-live-bench velmora-engine-bench velmora-fx-bench
 python=python3
