@@ -4,9 +4,8 @@
 #include "audio/AudioExport.h"
 #include "audio/AudioPlayer_Class.h"
 #include "audio/Metronome_Class.h"
+#include "controls/NewClip.h"
 #include "controls/RenameChannel.h"
-#include "core/BassHelpers.h"
-#include "core/ImportAudioFile.h"
 #include "core/MsgIds.h"
 #include "core/MsgSenderClass.h"
 #include "core/TextUtilities.h"
@@ -263,29 +262,26 @@ void Commands::AddFiles(const std::vector<std::string>& paths, core::ClassID cha
         return;
     }
     const core::ClassID target = ChannelForFiles(channel);
+    if (target == core::kUnsetFloat) {
+        m_environment.ports.messages.Show("Please select a channel from the list", core::Icon::Exclamation);
+        return;
+    }
     bool recorded = false;
     double timePos = Project().Player_LTimePos();
     for (const std::string& path : paths) {
-        bool failed = false;
-        const std::int32_t lengthMS = core::GetAudioFileLengthMS(path, &failed);
-        if (failed || target == core::kUnsetFloat) {
-            m_environment.ports.messages.Show(failed ? "Invalid sound file: " + path
-                                                     : "Please select a channel from the list",
-                                              core::Icon::Exclamation);
+        auto clip = controls::NewClipOf(Project(), path);
+        if (!clip) {
             continue;
         }
         if (!recorded) {
             Project().Undo->AddUndo("add audio file", project::kUndoEvents, target);
             recorded = true;
         }
-        core::MsgParametersClass params;
-        params.ChannelID = target;
-        params.FilePath = core::ImportAudioFile(m_environment.files, Project().GetAudioPath(), path);
-        params.EventTitle = core::FileExtensionCut(core::FileNameOfPath(path));
-        params.AddTimePosMS = timePos;
-        params.SelectNewEvent = true;
-        Send(core::Msg_AddEvent_Wave, params);
-        timePos += lengthMS;
+        clip->wave.ChannelID = target;
+        clip->wave.AddTimePosMS = timePos;
+        clip->wave.SelectNewEvent = true;
+        Send(core::Msg_AddEvent_Wave, clip->wave);
+        timePos += clip->lengthMS;
     }
 }
 

@@ -1,7 +1,5 @@
 #include "controls/MusicFileDialog.h"
 
-#include "core/TextUtilities.h"
-
 namespace velmora::controls {
 
 std::optional<std::string> AskForMusicFile(core::Environment& environment)
@@ -20,14 +18,6 @@ std::optional<std::string> AskForMusicFile(core::Environment& environment)
         return std::nullopt;
     }
     return file;
-}
-
-core::MsgParametersClass WaveOf(const std::string& path)
-{
-    core::MsgParametersClass params;
-    params.FilePath = path;
-    params.EventTitle = core::FileExtensionCut(core::FileNameOfPath(path));
-    return params;
 }
 
 } // namespace velmora::controls

@@ -2,6 +2,7 @@
 
 #include "audio/Recorder_Class.h"
 #include "controls/MusicFileDialog.h"
+#include "controls/NewClip.h"
 #include "controls/RenameChannel.h"
 #include "core/MsgIds.h"
 #include "core/MsgSenderClass.h"
@@ -190,11 +191,14 @@ void StripPresenter::LoadMusicFile()
         }
         position = *place;
     }
+    auto clip = NewClipOf(*m_project, *file);
+    if (!clip) {
+        return;
+    }
     m_project->Undo->AddUndo("load music file", project::kUndoProject);
-    core::MsgParametersClass params = WaveOf(*file);
-    params.ChannelID = id;
-    params.AddTimePosMS = position;
-    Send(core::Msg_AddEvent_Wave, params);
+    clip->wave.ChannelID = id;
+    clip->wave.AddTimePosMS = position;
+    Send(core::Msg_AddEvent_Wave, clip->wave);
 }
 
 void StripPresenter::KeyboardFocus(bool got)

@@ -65,9 +65,19 @@ TEST_F(StripTest, LoadsAMusicFileWhereTheUserWants)
     EXPECT_EQ(Messages().shown.back().icon, core::Icon::Exclamation);
     EXPECT_EQ(m_project->Undo->CurUndo_Title(), "");
 
+    m_environment.disk.WriteTextFile(m_environment.Path("notes.wav"), "no sound");
+    dialogs.Expect(m_environment.Path("notes.wav"));
+    m_music.Presenter().LoadMusicFile();
+    EXPECT_EQ(Messages().LastText(), "Invalid sound file: " + m_environment.Path("notes.wav"));
+    EXPECT_EQ(m_project->Undo->CurUndo_Title(), "") << "there is nothing to undo";
+
+    // What comes from a drive that may vanish is kept with the project.
+    m_environment.files.driveKind = core::DriveKind::Removable;
     dialogs.Expect(file);
     m_music.Presenter().LoadMusicFile();
     ASSERT_EQ(Music(0).ChannelData->EventCount(), 1U);
+    EXPECT_EQ(Music(0).ChannelData->InTimeOrder()[0]->EventOBJ->FilePath, "Band.wav");
+    EXPECT_TRUE(m_environment.disk.FileExists(m_project->GetAudioPath() + "\\Band.wav"));
     EXPECT_EQ(field.text(), "Band");
     EXPECT_EQ(m_project->Undo->CurUndo_Title(), "Undo load music file");
 
