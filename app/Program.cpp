@@ -15,7 +15,7 @@ constexpr int kFailed = 1;
 
 Program::Program()
     : m_environment(Ports(), m_files)
-    , m_window(m_environment, [this](std::string note) { m_messages.SetNote(std::move(note)); })
+    , m_window(m_environment)
     , m_startup(m_environment, m_window.Workspace(), m_window)
 {
     m_views.SetWindow(&m_window);

@@ -78,7 +78,7 @@ int Run(core::Icon icon, std::string_view title, std::string_view text, QMessage
         box.setIconPixmap(Mark(icon));
     }
     if (!note.empty()) {
-        box.setInformativeText(ToQt(note));
+        box.setInformativeText(ToQt(ShownText(note)));
     }
     auto* rows = qobject_cast<QGridLayout*>(box.layout());
     rows->addItem(new QSpacerItem(kLeastWidth, 0), rows->rowCount(), 0, 1, rows->columnCount());
@@ -89,7 +89,7 @@ int Run(core::Icon icon, std::string_view title, std::string_view text, QMessage
 
 void QtMessageBoxes::Show(std::string_view text, core::Icon icon, std::string_view title)
 {
-    Run(icon, title, text, QMessageBox::Ok, icon == core::Icon::Information ? m_note : std::string());
+    Run(icon, title, text, QMessageBox::Ok, icon == core::Icon::Information ? m_notes.information : m_notes.trouble);
 }
 
 core::Answer QtMessageBoxes::Ask(std::string_view text, core::Buttons buttons, core::Icon icon, std::string_view title)

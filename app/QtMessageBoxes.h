@@ -3,6 +3,7 @@
 #include "core/Ports.h"
 
 #include <string>
+#include <utility>
 
 namespace velmora::app {
 
@@ -12,12 +13,10 @@ public:
     void Show(std::string_view text, core::Icon icon, std::string_view title) override;
     core::Answer Ask(std::string_view text, core::Buttons buttons, core::Icon icon, std::string_view title) override;
     void Beep() override;
-
-    /// Stands smaller below the text of boxes that inform, until it is set to "".
-    void SetNote(std::string note) { m_note = std::move(note); }
+    void SetNotes(core::BoxNotes notes) override { m_notes = std::move(notes); }
 
 private:
-    std::string m_note;
+    core::BoxNotes m_notes;
 };
 
 class QtInputBox final : public core::InputBox {

@@ -122,6 +122,7 @@ bool Workspace::MayClose()
 bool Workspace::LoadFile(const std::string& path)
 {
     core::MessageBoxes& messages = m_environment.ports.messages;
+    const core::NotesScope notes(messages, {{}, path + "\nChoose another copy of it, or another project."});
     AllChannelsLiveOff();
     auto opened = project::OpenedProject::Open(m_environment, path, project::OpenMode::Edit, m_project->GetAudioPath());
     if (!opened) {
@@ -178,6 +179,8 @@ bool Workspace::AskToSave()
 
 bool Workspace::SaveTo(const std::string& path)
 {
+    const core::NotesScope notes(m_environment.ports.messages,
+                                 {{}, path + "\nMake room on the disk, or save to another folder."});
     if (!m_project->SaveProject(path)) {
         return false;
     }

@@ -63,9 +63,8 @@ std::vector<std::string> LocalFiles(const QMimeData& data)
 
 } // namespace
 
-frmMain::frmMain(core::Environment& environment, std::function<void(std::string)> noteForDone)
+frmMain::frmMain(core::Environment& environment)
     : m_environment(environment)
-    , m_noteForDone(std::move(noteForDone))
     , m_workspace(environment, *this)
     , m_commands(environment, m_workspace, *this)
     , m_keys(m_commands)
@@ -220,13 +219,9 @@ void frmMain::ExportProject(std::int32_t format, const std::string& path)
     m_workspace.WhenIdle([this, format, path] {
         frmExportAudio window(
             m_environment, m_commands.Project(), [this](bool mute) { m_commands.SetMasterMute(mute); }, this);
-        if (m_noteForDone) {
-            m_noteForDone("The file is here:\n" + ShownPath(path));
-        }
+        const core::NotesScope notes(m_environment.ports.messages,
+                                     {"The file is here:\n" + path, path + "\nChoose another name or folder."});
         window.StartExport(format, path);
-        if (m_noteForDone) {
-            m_noteForDone({});
-        }
         ExportForm_Closed();
     });
 }

@@ -10,7 +10,6 @@
 #include "core/Environment.h"
 
 #include <QMainWindow>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -26,9 +25,8 @@ class MenuBar;
 /// its own. `WindowViews` brings it what the document tells its views.
 class frmMain final : public QMainWindow, public ChildWindows, private WorkspaceListener, private MainWindowView {
 public:
-    /// `environment` outlives this. `noteForDone` is told where an export's file is before the export says that it is
-    /// done, and "" afterwards.
-    explicit frmMain(core::Environment& environment, std::function<void(std::string)> noteForDone = {});
+    /// `environment` outlives this.
+    explicit frmMain(core::Environment& environment);
     ~frmMain() override;
 
     app::Workspace& Workspace() { return m_workspace; }
@@ -72,7 +70,6 @@ private:
     void ExportForm_Closed();
 
     core::Environment& m_environment;
-    std::function<void(std::string)> m_noteForDone;
     app::Workspace m_workspace;
     Commands m_commands;
     KeyCommands m_keys;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// How the logic reaches the outside. The window's adapters and the tests' scripted ones implement these; the document
@@ -17,14 +18,38 @@ enum class Icon { None, Information, Exclamation, Critical, Question };
 enum class Buttons { YesNo, YesNoCancel, OkCancel };
 enum class Answer { Yes, No, Cancel, Ok };
 
+/// What stands smaller below the text of a message box, as the path of the file that it is about.
+struct BoxNotes {
+    std::string information; ///< below what informs
+    std::string trouble;     ///< below warnings and errors
+};
+
 /// Message boxes and questions: every text the system says. Lines are parted by "\n".
 class MessageBoxes {
 public:
     virtual ~MessageBoxes() = default;
+    /// For the boxes that follow. Questions have no note, nor has an adapter without room for one.
+    virtual void SetNotes(BoxNotes /*notes*/) {}
     virtual void Show(std::string_view text, Icon icon = Icon::Information, std::string_view title = "Velmora") = 0;
     virtual Answer Ask(std::string_view text, Buttons buttons = Buttons::YesNo, Icon icon = Icon::Question,
                        std::string_view title = "Velmora") = 0;
     virtual void Beep() = 0;
+};
+
+/// Notes for the boxes that come while this lives. Not one inside another.
+class NotesScope {
+public:
+    NotesScope(MessageBoxes& boxes, BoxNotes notes)
+        : m_boxes(boxes)
+    {
+        m_boxes.SetNotes(std::move(notes));
+    }
+    ~NotesScope() { m_boxes.SetNotes({}); }
+    NotesScope(const NotesScope&) = delete;
+    NotesScope& operator=(const NotesScope&) = delete;
+
+private:
+    MessageBoxes& m_boxes;
 };
 
 class InputBox {

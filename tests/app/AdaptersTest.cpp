@@ -58,18 +58,18 @@ TEST(QtMessageBoxes, EscapeIsTheAnswerThatChangesNothing)
 TEST(QtMessageBoxes, TextsArePlainAndPathsTheSystems)
 {
     QtMessageBoxes boxes;
-    boxes.SetNote("Below");
+    boxes.SetNotes({"Below:\nZ:\\tmp\\b.wav", "Trouble"});
     WithModal([](QWidget& window) {
         const auto& box = dynamic_cast<QMessageBox&>(window);
         EXPECT_EQ(box.text(), "<b>Done</b>\n/tmp/a.wav");
         EXPECT_EQ(box.textFormat(), Qt::PlainText);
-        EXPECT_EQ(box.informativeText(), "Below");
+        EXPECT_EQ(box.informativeText(), "Below:\n/tmp/b.wav");
         EXPECT_EQ(box.windowTitle(), "Export project");
         PressIn(window, Qt::Key_Escape);
     });
     boxes.Show("<b>Done</b>\nZ:\\tmp\\a.wav", core::Icon::Information, "Export project");
     WithModal([](QWidget& window) {
-        EXPECT_EQ(dynamic_cast<QMessageBox&>(window).informativeText(), "");
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(window).informativeText(), "Trouble");
         PressIn(window, Qt::Key_Return);
     });
     boxes.Show("Error", core::Icon::Critical, "Velmora");

@@ -71,7 +71,7 @@ MainWindowFixture::MainWindowFixture()
     silent.Global_OutputDevice = 0;
     silent.Global_FirstRun = false;
     silent.Save(m_disk, Path("config\\config.xml"));
-    m_window = std::make_unique<frmMain>(*m_environment, [this](const std::string& note) { m_note += note; });
+    m_window = std::make_unique<frmMain>(*m_environment);
     m_views.SetWindow(m_window.get());
     m_startup = std::make_unique<Startup>(*m_environment, m_window->Workspace(), *m_window);
 }

@@ -88,7 +88,6 @@ protected:
     WindowViews m_views;
     core::PosixFiles m_disk;
     testing::FaultyFiles m_files{m_disk};
-    std::string m_note;
     std::unique_ptr<core::Environment> m_environment;
     std::unique_ptr<frmMain> m_window;
     std::unique_ptr<Startup> m_startup;

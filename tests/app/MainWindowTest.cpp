@@ -195,7 +195,7 @@ TEST_F(MainWindowTest, ExportSaysWhereTheFileIs)
     Entry("File/Export to/Wave file...")->trigger();
     EXPECT_EQ(m_ports.messages.LastText(), "Done");
     EXPECT_EQ(m_ports.messages.shown.back().title, "Export project");
-    EXPECT_EQ(m_note, "The file is here:\n" + core::PosixPath(Path("mix.wav")));
+    EXPECT_EQ(m_ports.messages.shown.back().note, "The file is here:\n" + Path("mix.wav"));
     EXPECT_EQ(audio::ReadWav(Path("mix.wav")).Frames(), 441000U);
     EXPECT_TRUE(Panel().isEnabled());
 }

@@ -64,6 +64,7 @@ TEST_F(WorkspaceTest, AFullDiskLeavesTheProjectAsItIs)
     m_environment.files.FillDisk();
     EXPECT_FALSE(m_workspace.Save());
     EXPECT_EQ(Messages().LastText(), "Error creating file");
+    EXPECT_EQ(Messages().shown.back().note, song + "\nMake room on the disk, or save to another folder.");
     Messages().Expect(core::Answer::Yes);
     EXPECT_FALSE(m_workspace.MayClose()) << "what could not be saved is not thrown away";
     m_environment.files.Repair();
@@ -83,8 +84,11 @@ TEST_F(WorkspaceTest, WhatDoesNotPassTheChecksLeavesThePresentProject)
         Dialogs().Expect(Path(name));
         m_workspace.Open();
         EXPECT_EQ(Messages().LastText(), "Error loading project");
+        EXPECT_THAT(Messages().shown.back().note, ::testing::StartsWith(Path(name) + '\n'));
         EXPECT_EQ(&Project(), present);
     }
+    m_commands.About();
+    EXPECT_EQ(Messages().shown.back().note, "") << "what follows is not about that file";
     m_environment->recent.AddFile(Path("gone.audioproj"));
     const std::size_t messages = Messages().shown.size();
     m_workspace.OpenRecent(0);

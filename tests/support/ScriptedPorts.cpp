@@ -29,13 +29,14 @@ Answer TakeAnswer(std::deque<Answer>& answers, Answer careful, const std::string
 
 void ScriptedMessageBoxes::Show(std::string_view text, core::Icon icon, std::string_view title)
 {
-    shown.push_back({std::string(text), icon, std::string(title)});
+    shown.push_back({std::string(text), icon, std::string(title),
+                     icon == core::Icon::Information ? m_notes.information : m_notes.trouble});
 }
 
 core::Answer ScriptedMessageBoxes::Ask(std::string_view text, core::Buttons buttons, core::Icon icon,
                                        std::string_view title)
 {
-    asked.push_back({std::string(text), icon, std::string(title)});
+    asked.push_back({std::string(text), icon, std::string(title), {}});
     return TakeAnswer(m_answers, buttons == core::Buttons::YesNo ? core::Answer::No : core::Answer::Cancel,
                       std::string(text));
 }

@@ -18,6 +18,8 @@ struct ShownMessage {
     std::string text;
     core::Icon icon;
     std::string title;
+    /// What stood below it.
+    std::string note;
 };
 
 class ScriptedMessageBoxes final : public core::MessageBoxes {
@@ -25,6 +27,7 @@ public:
     void Show(std::string_view text, core::Icon icon, std::string_view title) override;
     core::Answer Ask(std::string_view text, core::Buttons buttons, core::Icon icon, std::string_view title) override;
     void Beep() override { ++beeps; }
+    void SetNotes(core::BoxNotes notes) override { m_notes = std::move(notes); }
 
     /// The next question gets `answer`; each answer serves once, in order.
     void Expect(core::Answer answer) { m_answers.push_back(answer); }
@@ -42,6 +45,7 @@ public:
 
 private:
     std::deque<core::Answer> m_answers;
+    core::BoxNotes m_notes;
 };
 
 class ScriptedInputBox final : public core::InputBox {
