@@ -17,6 +17,8 @@ struct KeyPress {
     bool alt = false;
     /// The key is held down; then nothing is switched to and fro.
     bool repeated = false;
+    /// The layout writes another script; `key` is told by its place.
+    bool otherScript = false;
 };
 
 /// The keys of the main window, beside those of its menus: transport, the selected channels' strips, and which

@@ -128,13 +128,14 @@ std::vector<std::string> MenuModel::Keys() const
     return keys;
 }
 
-void MenuModel::Press(std::string_view key) const
+bool MenuModel::Press(std::string_view key) const
 {
     for (int menu = 0; menu < kMenus; ++menu) {
         if (PressIn(Entries(menu), key)) {
-            return;
+            return true;
         }
     }
+    return false;
 }
 
 std::vector<MenuEntry> MenuModel::File() const

@@ -35,8 +35,8 @@ public:
     std::vector<MenuEntry> Entries(int menu) const;
     /// Every key of the menus; they do not depend on the project.
     std::vector<std::string> Keys() const;
-    /// Does what the entry with this key would; nothing while that is disabled.
-    void Press(std::string_view key) const;
+    /// Does what the entry with this key would; nothing while that is disabled. False when no entry has it.
+    bool Press(std::string_view key) const;
 
 private:
     std::vector<MenuEntry> File() const;

@@ -274,11 +274,16 @@ bool frmMain::eventFilter(QObject* object, QEvent* event)
 
 bool frmMain::PressKey(const QKeyEvent& event)
 {
-    if (!m_enabled || !m_model || m_model->KeyboardLockCount() != 0) {
+    if (!m_enabled || !m_model) {
         return false;
     }
     const KeyPress press = KeyPressOfEvent(event);
-    return press.key != 0 && m_keys.Press(press);
+    // Of the menus' keys, only those that write Latin letters are found before.
+    if (press.otherScript && press.ctrl && !press.shift && !press.alt &&
+        m_menus.Press(std::string("Ctrl+") + press.key)) {
+        return true;
+    }
+    return press.key != 0 && m_model->KeyboardLockCount() == 0 && m_keys.Press(press);
 }
 
 void frmMain::closeEvent(QCloseEvent* event)

@@ -1,7 +1,10 @@
 #include "app/KeyCommands.h"
 
+#include "app/KeyPressOfEvent.h"
 #include "audio/AudioPlayer_Class.h"
 #include "tests/app/AppFixture.h"
+
+#include <QKeyEvent>
 
 namespace velmora::app {
 namespace {
@@ -31,6 +34,31 @@ protected:
 
     KeyCommands m_keys{m_commands};
 };
+
+KeyPress Event(int key, quint32 code, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    return KeyPressOfEvent(QKeyEvent(QEvent::KeyPress, key, modifiers, code, 0, 0), true);
+}
+
+TEST(KeyPressOfEvent, FindsTheKeysOnAnyLayout)
+{
+    // The P of a Latin layout is where it writes P; that of another script at P's place.
+    EXPECT_EQ(Event(Qt::Key_P, 27).key, 'P');
+    EXPECT_EQ(Event(0x417, 33).key, 'P') << "Cyrillic";
+    EXPECT_EQ(Event(0x422, 57).key, 'N');
+    EXPECT_EQ(Event(0x0e37, 57).key, 'N') << "Thai, a sign above the letter";
+    EXPECT_TRUE(Event(0x41a, 27, Qt::ControlModifier).otherScript);
+    EXPECT_EQ(Event(0x424, 48).key, 0) << "beside the letters";
+    // Where Latin layouts write something else, the letter lies elsewhere.
+    EXPECT_EQ(Event(Qt::Key_Comma, 58).key, 0);
+    EXPECT_EQ(Event(0xd6, 33).key, 0);
+    EXPECT_EQ(Event(Qt::Key_Ampersand, 10).key, '1') << "French";
+    EXPECT_EQ(Event(Qt::Key_Exclam, 10, Qt::ShiftModifier).key, '1');
+    const KeyPress zero = Event(Qt::Key_Insert, 90, Qt::KeypadModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(zero.key == '0' && zero.numpad && zero.shift);
+    EXPECT_EQ(Event(Qt::Key_End, 87, Qt::KeypadModifier).key, 0);
+    EXPECT_EQ(Event(Qt::Key_F1, 67).key, 0);
+}
 
 TEST_F(KeyCommandsTest, DriveTheTransport)
 {
