@@ -219,6 +219,18 @@ void Recorder_Class::UndoRestored()
     if (!channel) {
         m_recordOnChannel = core::kUnsetFloat;
     }
+    DropStaleMarks();
+}
+
+void Recorder_Class::DropStaleMarks() const
+{
+    const core::ClassID heardOn = m_take ? m_take->ChannelID() : m_recordOnChannel;
+    for (std::int32_t i = 0; i < m_project.Chn_GetVoiceChannel_TotalN(); ++i) {
+        const project::Channel_Class* channel = m_project.Chn_GetVoiceChannelObj_by_Index(i);
+        if (channel->LiveStatus && (m_liveMixHandle == 0 || channel->ClassID() != heardOn)) {
+            SendLive(channel->ClassID(), core::kFalse);
+        }
+    }
 }
 
 std::string Recorder_Class::StartMonitoring(const project::Channel_Class& channel)
@@ -340,6 +352,7 @@ void Recorder_Class::StopTake()
     if (target && target->LiveStatus && !(take->channelGoes && take->ChannelID() == m_recordOnChannel)) {
         SendLive(m_recordOnChannel, core::kTrue);
     }
+    DropStaleMarks();
     ++m_recordCounter;
     for (const std::string& trouble : take->Troubles()) {
         Say(trouble);

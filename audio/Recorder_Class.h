@@ -85,6 +85,8 @@ private:
     void SetLiveOn(core::MsgParametersClass& params);
     void SelectTarget(core::ClassID channelID);
     void UndoRestored();
+    /// Of the marks of live channels only that of the channel that is heard stays.
+    void DropStaleMarks() const;
     /// Why it failed; empty when it did not.
     std::string StartMonitoring(const project::Channel_Class& channel);
     void EndMonitoring();

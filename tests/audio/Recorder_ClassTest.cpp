@@ -197,6 +197,16 @@ TEST_F(RecorderClass, MonitoringGoesThroughATake)
     Stop();
     EXPECT_FALSE(Recorder().IsMonitoring());
     EXPECT_EQ(m_device.starts, 4);
+
+    // A channel that is left in mid-take is heard until its end, and then no longer shown as live.
+    Select(voice);
+    SetLive(voice, true);
+    Start();
+    Select(Voice(1).ClassID());
+    EXPECT_TRUE(Voice(0).LiveStatus);
+    ASSERT_TRUE(m_device.Deliver(100, 500));
+    Stop();
+    EXPECT_FALSE(Recorder().IsMonitoring() || Voice(0).LiveStatus);
 }
 
 TEST_F(RecorderClass, MonitoringEndsWithWhatUndoTakesAway)
@@ -207,6 +217,8 @@ TEST_F(RecorderClass, MonitoringEndsWithWhatUndoTakesAway)
     m_project->Undo->Undo();
     EXPECT_FALSE(Recorder().IsMonitoring());
     EXPECT_EQ(Recorder().RecordOnChannel(), voice);
+    m_project->Undo->Redo();
+    EXPECT_FALSE(Recorder().IsMonitoring() || Voice(0).LiveStatus) << "no undo turns the microphone on";
 
     m_project->Undo->AddUndo("before", project::kUndoProject);
     Select(Send(core::Msg_AddVoiceChannel).NewChannelID);
