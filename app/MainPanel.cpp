@@ -59,6 +59,8 @@ MainPanel::MainPanel(QWidget* parent)
     , EventsEditor(Reserve("EventsEditor", theme::Ground))
 {
     setMinimumSize(kMinimumWidth, kMinimumHeight);
+    // A click beside a list or text box gives the window's keys back.
+    setFocusPolicy(Qt::ClickFocus);
     CoolToolBar1->setObjectName("CoolToolBar1");
     LCDLabel->setObjectName("LCDLabel");
     MarksCombo->setObjectName("MarksCombo");

@@ -140,6 +140,8 @@ bool Workspace::LoadFile(const std::string& path)
         MakeNew();
         return false;
     }
+    // Whom the file marks as live nobody hears yet.
+    AllChannelsLiveOff();
     m_environment.recent.AddFile(path);
     m_listener.PathsChanged();
     m_refreshTimer->Start();

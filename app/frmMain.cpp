@@ -77,7 +77,8 @@ frmMain::frmMain(core::Environment& environment)
     setAcceptDrops(true);
     connect(m_panel->CoolToolBar1, &controls::CoolToolBar::ButtonClicked, this,
             [this](int button) { m_commands.Toolbar(static_cast<ToolbarButton>(button)); });
-    connect(m_panel->MarksCombo, &controls::Combo::activated, this, &frmMain::ChooseMark);
+    connect(m_panel->MarksCombo, &controls::Combo::activated, this,
+            [this](int index) { m_commands.JumpToMark(index); });
     connect(m_panel->MarksCombo, &controls::Combo::KeyboardFocus, this, [this](bool got) {
         if (m_model) {
             m_commands.Send(got ? core::Msg_KeyboardFocusGot : core::Msg_KeyboardFocusLost);
@@ -176,18 +177,18 @@ void frmMain::MasterChanged()
     m_panel->Pic_MasterVol->SetMute(m_model->MasterMute());
 }
 
-void frmMain::ChooseMark(int index)
-{
-    m_commands.JumpToMark(index);
-    // The keys serve the transport again.
-    m_panel->MarksCombo->clearFocus();
-}
-
 void frmMain::EnableMainWindow(bool enable)
 {
+    if (m_enabled && !enable) {
+        m_focusBefore = focusWidget();
+    }
     m_enabled = enable;
     m_panel->setEnabled(enable);
     m_menuBar->Enable(enable);
+    if (enable && m_focusBefore != nullptr) {
+        m_focusBefore->setFocus();
+        m_focusBefore.clear();
+    }
 }
 
 void frmMain::Place(const WindowState& state)
@@ -263,8 +264,9 @@ bool frmMain::eventFilter(QObject* object, QEvent* event)
 {
     if (event->type() == QEvent::KeyPress) {
         const QWidget* target = QApplication::focusWidget() != nullptr ? QApplication::focusWidget() : this;
-        // A key that nobody takes travels on to the parents; it is looked at once, before it is given to anybody.
-        const bool first = object == target && target->window() == this;
+        // A key that nobody takes travels on to the parents; it is looked at once, before it is given to anybody. The
+        // help tells of keys, so they work while it is read.
+        const bool first = object == target && (target->window() == this || target->window() == m_help);
         if (first && QApplication::activePopupWidget() == nullptr && PressKey(static_cast<QKeyEvent&>(*event))) {
             return true;
         }

@@ -10,6 +10,7 @@
 #include "core/Environment.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <memory>
 #include <string>
 
@@ -63,7 +64,6 @@ private:
     void TimeChanged() override;
     void MasterChanged() override;
 
-    void ChooseMark(int index);
     bool PressKey(const QKeyEvent& event);
     core::ClassID ChannelAt(const QPoint& place) const;
     /// A modal child window has gone.
@@ -79,6 +79,8 @@ private:
     MenuBar* m_menuBar = nullptr;
     HelpWindow* m_help = nullptr;
     bool m_enabled = true;
+    /// Who had the focus when the window was disabled.
+    QPointer<QWidget> m_focusBefore;
 };
 
 /// The port through which the document reaches the window; until there is one, nothing happens.

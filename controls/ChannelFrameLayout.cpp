@@ -182,8 +182,10 @@ void ChannelFrame::AddLowerPart(const QString& soloToolTip, const QString& keyPr
     connect(m_packs, &Combo::KeyboardFocus, this, [this](bool got) { m_presenter.KeyboardFocus(got); });
     connect(m_packs, &QComboBox::activated, this,
             [this](int index) { m_presenter.ChoosePack(static_cast<std::size_t>(index)); });
-    connect(AddButton("fx", "button_SetupFX", {248, 242, 34, 26}, tr("Set up the effects")), &imgButton::clicked, this,
-            [this] { m_presenter.SetupFX(); });
+    imgButton* setup = AddButton("fx", "button_SetupFX", {248, 242, 34, 26}, tr("Set up the effects"));
+    // Its window is still to come.
+    setup->setEnabled(false);
+    connect(setup, &imgButton::clicked, this, [this] { m_presenter.SetupFX(); });
     connect(AddButton("save", "button_SaveFX", {286, 242, 34, 26}, tr("Save the effects as a pack")),
             &imgButton::clicked, this, [this] { m_presenter.SavePack(); });
     AddCaption(tr("Level:"), 284);

@@ -6,6 +6,7 @@
 
 #include <QKeyEvent>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
 
@@ -83,6 +84,9 @@ void Combo::showPopup()
         const int index = chosen->data().toInt();
         setCurrentIndex(index);
         emit activated(index);
+        if (alive && m_openedByMouse) {
+            clearFocus();
+        }
     }
 }
 
@@ -150,6 +154,16 @@ void Combo::keyPressEvent(QKeyEvent* event)
         break;
     default:
         QComboBox::keyPressEvent(event);
+    }
+}
+
+void Combo::mousePressEvent(QMouseEvent* event)
+{
+    const QPointer<Combo> alive(this);
+    m_openedByMouse = true;
+    QComboBox::mousePressEvent(event);
+    if (alive) {
+        m_openedByMouse = false;
     }
 }
 

@@ -7,7 +7,8 @@
 namespace velmora::controls {
 
 /// A combo whose list is a menu. `activated` tells of what the user chose; what code sets tells nothing to those who
-/// listen to it. The text shown need not be an entry of the list.
+/// listen to it. The text shown need not be an entry of the list. Who chooses with the mouse leaves the combo, and does
+/// not go on typing in it.
 class Combo : public QComboBox, public FocusShaped {
     Q_OBJECT
 
@@ -38,12 +39,14 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
 private:
     QString m_text;
     QString m_emptyText;
     bool m_popupOpen = false;
+    bool m_openedByMouse = false;
     bool m_hasKeyboard = false;
 };
 

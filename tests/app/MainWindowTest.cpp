@@ -19,6 +19,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBrowser>
 #include <QTimer>
 #include <QUrl>
 
@@ -96,7 +97,24 @@ TEST_F(MainWindowTest, ABoxWithTheFocusHoldsTheKeyboard)
     Drop(Middle(Panel().MusicFrame), {Path("a.wav")});
     Press(Qt::Key_P);
     EXPECT_FALSE(Playing());
-    Panel().MarksCombo->clearFocus();
+    QTest::mouseClick(Panel().EventsEditor, Qt::LeftButton);
+    Press(Qt::Key_P);
+    EXPECT_TRUE(Playing()) << "a click beside it takes the keyboard back";
+}
+
+TEST_F(MainWindowTest, KeysWorkWhileTheHelpThatTellsOfThemIsRead)
+{
+    for (const char* folder : {"help", "help\\html"}) {
+        m_disk.MakeFolderIfMissing(Path(folder));
+    }
+    m_disk.WriteTextFile(Path("help\\html\\shortcut keys.html"), "<p>P plays</p>");
+    Drop(Middle(Panel().EventsEditor), {WriteSound("a.wav")});
+    Entry("Help/Shortcut keys")->trigger();
+    auto* page = m_window->findChild<QTextBrowser*>();
+    ASSERT_NE(page, nullptr);
+    EXPECT_EQ(page->toPlainText(), "P plays");
+    QApplication::setActiveWindow(page->window());
+    page->setFocus();
     Press(Qt::Key_P);
     EXPECT_TRUE(Playing());
 }
@@ -164,7 +182,8 @@ TEST_F(MainWindowTest, ATakeIsShownKeptAndRepeated)
     audio::ScriptedCapture device;
     Project().Recorder->InputDeviceOverride = device.Number();
     const project::Channel_Class& voice = *Project().Chn_GetVoiceChannelObj_by_Index(0);
-    Press(Qt::Key_R);
+    const QWidget* button = Panel().CoolToolBar1->GetButton(MainToolBar::Record);
+    ClickTool(MainToolBar::Record);
     ASSERT_TRUE(Project().Recorder->isRecording()) << m_ports.messages.LastText();
     EXPECT_TRUE(Panel().CoolToolBar1->GetButton(MainToolBar::Record)->Value());
     device.Deliver(500, 1000);
@@ -176,6 +195,7 @@ TEST_F(MainWindowTest, ATakeIsShownKeptAndRepeated)
     EXPECT_FALSE(Project().Recorder->isRecording());
     EXPECT_FALSE(Panel().CoolToolBar1->GetButton(MainToolBar::Record)->Value());
     EXPECT_GT(voice.Length(), 0);
+    EXPECT_TRUE(button->hasFocus()) << "Space records again";
 
     ASSERT_TRUE(Panel().CoolToolBar1->ButtonEnabled(MainToolBar::Repeat));
     Press(Qt::Key_R, Qt::ControlModifier);

@@ -57,6 +57,18 @@ TEST_F(WorkspaceTest, SavesUnderItsNameAndRemembersIt)
     EXPECT_EQ(m_ends, 2);
 }
 
+TEST_F(WorkspaceTest, NoMicrophoneIsShownAsOpenAfterLoading)
+{
+    core::MsgParametersClass live;
+    live.ChannelID = Voice(1).ClassID();
+    live.Value = core::kTrue;
+    m_commands.Send(core::Msg_Channel_SetLive, live);
+    ASSERT_TRUE(Voice(1).LiveStatus);
+    const std::string song = SaveAs("Song.audioproj");
+    m_workspace.OpenFile(song);
+    EXPECT_FALSE(Voice(1).LiveStatus || Project().Modified);
+}
+
 TEST_F(WorkspaceTest, AFullDiskLeavesTheProjectAsItIs)
 {
     const std::string song = SaveAs("Song.audioproj");

@@ -11,7 +11,9 @@
 #include "controls/imgScroll.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QPainter>
+#include <QTimer>
 #include <QtTest>
 #include <limits>
 
@@ -241,6 +243,38 @@ TEST(Focus, RingShowsForKeysAndGoesAtAClick)
     EXPECT_EQ(rings(), 1);
     QTest::mouseClick(&second, Qt::LeftButton);
     EXPECT_EQ(rings(), 0);
+}
+
+TEST(Combos, WhoChoosesWithTheMouseHasDoneWithThem)
+{
+    QWidget window;
+    window.resize(300, 100);
+    Combo combo(&window);
+    combo.SetItems({"Hall", "Plate"});
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const auto choose = [](std::initializer_list<Qt::Key> keys) {
+        QTimer::singleShot(0, [keys] {
+            QWidget* menu = QApplication::activePopupWidget();
+            ASSERT_NE(menu, nullptr);
+            for (const Qt::Key key : keys) {
+                QTest::keyClick(menu, key);
+            }
+        });
+    };
+    combo.setFocus(Qt::TabFocusReason);
+    choose({Qt::Key_Down, Qt::Key_Return});
+    QTest::keyClick(&combo, Qt::Key_Space);
+    EXPECT_EQ(combo.Text(), "Hall");
+    EXPECT_EQ(window.focusWidget(), &combo);
+    choose({Qt::Key_Escape});
+    QTest::mouseClick(&combo, Qt::LeftButton);
+    EXPECT_EQ(window.focusWidget(), &combo);
+    choose({Qt::Key_Down, Qt::Key_Return});
+    QTest::mouseClick(&combo, Qt::LeftButton);
+    EXPECT_EQ(combo.Text(), "Plate");
+    EXPECT_EQ(window.focusWidget(), nullptr);
 }
 
 TEST(Drawing, EdgesFallOnDevicePixelsWhereverTheWidgetStands)
