@@ -12,6 +12,7 @@
 #include "project/CDC_Event_Wave_Class.h"
 #include "project/ChannelDataClass.h"
 #include "project/Channel_Class.h"
+#include "project/LockedInterface.h"
 #include "project/ProjectFile_Class.h"
 #include "soundlayer/soundlayer.h"
 
@@ -91,7 +92,7 @@ AudioExport::Ending AudioExport::Export()
                 core::Icon::Exclamation, "Export project"};
     }
 
-    const LockedInterface locked(m_project);
+    const project::LockedInterface locked(m_project);
     core::MsgParametersClass params;
     LiveMonitoringPause monitoring(m_project);
     monitoring.Begin();
@@ -125,7 +126,7 @@ AudioExport::Ending AudioExport::Export()
         return {Outcome::Failed, "frmExportAudio::FastExport\nThe mix gives no sound (error code: " +
                                      std::to_string(BASS_ErrorGetCode()) + ")"};
     }
-    if (!file.Finish()) {
+    if (!file.Finish(m_environment.ports.pendingEvents)) {
         return {Outcome::Failed,
                 "Error writing the file:\n" + FilePath +
                     "\nThe disk may be full. Make room, or choose another folder, and export again."

@@ -8,6 +8,7 @@
 #include "project/CDC_Event_Wave_Class.h"
 #include "project/ChannelDataClass.h"
 #include "project/Channel_Class.h"
+#include "project/LockedInterface.h"
 #include "project/ProjectFile_Class.h"
 #include "project/UndoData_Class.h"
 #include "project/Undo_Class.h"
@@ -64,7 +65,7 @@ void ProjectCompression::Run()
         messages.Show("There are no files to compress");
         return;
     }
-    const LockedInterface locked(m_project);
+    const project::LockedInterface locked(m_project);
     m_project.Undo->AddUndo("compress project", project::kUndoProject);
     if (!ConvertAll()) {
         m_outcome = Outcome::Cancelled;
@@ -151,7 +152,7 @@ bool ProjectCompression::ConvertFile(Take& take, double doneBytes)
         return false;
     }
     take.replaces = m_environment.files.FileExists(newFile);
-    if (!conversion.Finish(m_environment.ports.trash)) {
+    if (!conversion.Finish(m_environment.ports.trash, m_environment.ports.pendingEvents)) {
         AddError(conversion.Error());
         return false;
     }

@@ -1,6 +1,5 @@
 #include "audio/Recorder_Class.h"
 
-#include "audio/internal/ExportGuards.h"
 #include "audio/internal/LiveInput.h"
 #include "audio/internal/Take.h"
 #include "audio/internal/TakeBook.h"
@@ -11,6 +10,7 @@
 #include "persistence/UTIL_XMLRead.h"
 #include "persistence/UTIL_XMLWrite.h"
 #include "project/Channel_Class.h"
+#include "project/LockedInterface.h"
 #include "project/ProjectFile_Class.h"
 #include "project/UndoData_Class.h"
 #include "project/Undo_Class.h"
@@ -361,7 +361,7 @@ void Recorder_Class::StopTake()
 
 void Recorder_Class::AddClip(const Take& take)
 {
-    const LockedInterface locked(m_project);
+    const project::LockedInterface locked(m_project);
     project::Undo_Class& undo = *m_project.Undo;
     const bool deletionNoted = take.channelGoes && undo.CurUndo_Title() == "Undo " + std::string(kDeletion);
     if (undo.CurUndo_SeqID() != take.undoStep) {

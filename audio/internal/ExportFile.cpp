@@ -2,6 +2,7 @@
 
 #include "audio/internal/EncodedFile.h"
 #include "core/Paths.h"
+#include "core/RunBeside.h"
 #include "engine/audioplayer.h"
 #include "soundlayer/soundlayer.h"
 
@@ -60,9 +61,10 @@ bool ExportFile::Failed() const
     return Sound_EncodeFailed(m_wavEncoder != 0 ? m_wavEncoder : m_wmaEncoder) != 0;
 }
 
-bool ExportFile::Finish()
+bool ExportFile::Finish(core::PendingEvents& events)
 {
-    if (!Close() || !m_files.Replace(m_temporary, m_target)) {
+    // A disk may take long until it has all.
+    if (!Close() || !core::RunBeside(events, [this] { return m_files.Replace(m_temporary, m_target); })) {
         return false;
     }
     m_temporary.clear();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Files.h"
+#include "core/Ports.h"
 
 #include <cstdint>
 #include <string>
@@ -30,8 +31,9 @@ public:
     bool Begin();
     /// The file no longer holds all that was pulled, so it is of no use to go on.
     bool Failed() const;
-    /// Closes the file and gives it its name. False if not all was written; an earlier file still stands then.
-    bool Finish();
+    /// Closes the file and gives it its name, while the interface lives. False if not all was written; an earlier file
+    /// still stands then.
+    bool Finish(core::PendingEvents& events);
 
 private:
     bool Close();

@@ -23,19 +23,6 @@ constexpr std::int64_t kForgetMS = 20;
 
 } // namespace
 
-LockedInterface::LockedInterface(project::ProjectFile_Class& project)
-    : m_project(project)
-{
-    m_project.Environment().ports.views.EnableMainWindow(false);
-    m_project.FX_DisableSetupForms();
-}
-
-LockedInterface::~LockedInterface()
-{
-    m_project.FX_EnableSetupForms();
-    m_project.Environment().ports.views.EnableMainWindow(true);
-}
-
 LiveMonitoringPause::LiveMonitoringPause(project::ProjectFile_Class& project)
     : m_project(project)
 {

@@ -29,18 +29,6 @@ struct FlagScope {
     bool& flag;
 };
 
-/// Refuses input to the main window and the effects' dialogs.
-class LockedInterface {
-public:
-    explicit LockedInterface(project::ProjectFile_Class& project);
-    ~LockedInterface();
-    LockedInterface(const LockedInterface&) = delete;
-    LockedInterface& operator=(const LockedInterface&) = delete;
-
-private:
-    project::ProjectFile_Class& m_project;
-};
-
 /// Live monitoring of all channels is off between `Begin` and the end.
 class LiveMonitoringPause {
 public:

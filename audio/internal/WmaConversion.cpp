@@ -2,6 +2,7 @@
 
 #include "audio/internal/EncodedFile.h"
 #include "core/Paths.h"
+#include "core/RunBeside.h"
 #include "core/TextUtilities.h"
 #include "core/Units.h"
 #include "soundlayer/soundlayer.h"
@@ -84,7 +85,7 @@ bool WmaConversion::Step()
     return BASS_WMA_EncodeWrite(m_encoder, m_piece.data(), bytes) != 0 && Sound_EncodeFailed(m_encoder) == 0;
 }
 
-bool WmaConversion::Finish(core::Trash& trash)
+bool WmaConversion::Finish(core::Trash& trash, core::PendingEvents& events)
 {
     if (!CloseEncoder()) {
         return Fail(m_destination, kNotWritten);
@@ -95,7 +96,7 @@ bool WmaConversion::Finish(core::Trash& trash)
     if (m_files.FileExists(m_destination)) {
         trash.Move(m_destination);
     }
-    if (!m_files.Replace(m_temporary, m_destination)) {
+    if (!core::RunBeside(events, [this] { return m_files.Replace(m_temporary, m_destination); })) {
         return Fail(m_destination, EncoderErrorSuffix(BASS_ERROR_CREATE));
     }
     m_temporary.clear();

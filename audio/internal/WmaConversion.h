@@ -31,8 +31,8 @@ public:
     /// Converts some 0.2 s of sound, in well under a millisecond. False when there is no more, or after a failure.
     bool Step();
     /// An earlier file of that name goes to the trash, or is overwritten where there is none. False when the new file
-    /// does not hold the whole of its source, or cannot take its name.
-    bool Finish(core::Trash& trash);
+    /// does not hold the whole of its source, or cannot take its name. The interface lives meanwhile.
+    bool Finish(core::Trash& trash, core::PendingEvents& events);
 
     /// 0..1.
     double Done() const;

@@ -1,5 +1,6 @@
 #include "project/internal/FolderTransfer.h"
 
+#include "core/RunBeside.h"
 #include "core/TextUtilities.h"
 #include "project/internal/ProjectFolder.h"
 
@@ -85,7 +86,10 @@ bool FolderTransfer::Copy()
         const std::string target = m_to + '\\' + name;
         const bool waits = m_files.FileExists(target);
         m_copied.push_back({target, waits, false});
-        if (!m_files.CopyFile(m_from + '\\' + name, waits ? Beside(target, kNewFile) : target)) {
+        const auto copy = [&, source = m_from + '\\' + name, to = waits ? Beside(target, kNewFile) : target] {
+            return m_files.CopyFile(source, to);
+        };
+        if (!core::RunBeside(m_environment.ports.pendingEvents, copy)) {
             return Fail(name);
         }
     }

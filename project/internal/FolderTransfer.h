@@ -23,7 +23,8 @@ public:
     /// Checks the free space, asks about an existing folder, makes and locks the new one. False, with the reason
     /// shown, when the user or the disk says no.
     bool Prepare(bool isNewProject);
-    /// Copies all but the lock file; false, with a message that names the file, when one fails.
+    /// Copies all but the lock file, while the interface lives; false, with a message that names the file, when one
+    /// fails.
     bool Copy();
     /// Lets the copies take the place of files of the same names.
     bool Swap();

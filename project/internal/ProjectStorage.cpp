@@ -8,6 +8,7 @@
 #include "project/ChannelDataClass.h"
 #include "project/Channel_Class.h"
 #include "project/LoadContext.h"
+#include "project/LockedInterface.h"
 #include "project/ProjectFile_Class.h"
 #include "project/internal/ChannelRegistry.h"
 #include "project/internal/FolderTransfer.h"
@@ -174,6 +175,7 @@ void ProjectStorage::EndTake() const
 bool ProjectStorage::WriteWithCopy(const std::string& path, const std::string& text, FolderTransfer& transfer)
 {
     core::Files& files = m_environment.files;
+    const LockedInterface locked(m_project);
     const std::string written = path + ".velmora-new";
     if (!files.WriteTextFile(written, text)) {
         return ReportNotWritten();

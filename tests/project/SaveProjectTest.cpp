@@ -3,7 +3,10 @@
 #include "project/internal/ProjectFolder.h"
 #include "tests/project/ProjectFixture.h"
 
+#include <future>
 #include <set>
+
+#include <gmock/gmock.h>
 
 namespace velmora::project {
 namespace {
@@ -95,6 +98,31 @@ TEST_F(SaveProject, ANewNameTakesACopyOfTheFolderAndGoesOnThere)
     // The same file under another spelling is no new name.
     ASSERT_TRUE(m_project->SaveProject(m_environment.Path(".\\dir.v1\\Second")));
     EXPECT_TRUE(Messages().asked.empty());
+}
+
+TEST_F(SaveProject, TheInterfaceLivesButRefusesWorkWhileFilesAreCopied)
+{
+    SaveSong();
+    // No file is copied before the interface has had a turn.
+    std::promise<void> turn;
+    const auto turned = turn.get_future().share();
+    m_environment.files.FailWhere([&turned](FileOperation operation, std::string_view /*path*/) {
+        if (operation == FileOperation::Copy) {
+            turned.wait();
+        }
+        return false;
+    });
+    auto& calls = m_environment.ports.views.calls;
+    calls.clear();
+    std::vector<std::string> atTurn;
+    m_environment.ports.pendingEvents.Post([&] {
+        atTurn = calls;
+        turn.set_value();
+    });
+    ASSERT_TRUE(m_project->SaveProject(File("Moved")));
+    EXPECT_THAT(atTurn, ::testing::Contains("EnableMainWindow false"));
+    EXPECT_THAT(atTurn, ::testing::Not(::testing::Contains("EnableMainWindow true")));
+    EXPECT_THAT(calls, ::testing::Contains("EnableMainWindow true"));
 }
 
 TEST_F(SaveProject, AnExistingFolderIsOverwrittenOnlyWhenItIsFreeAndTheUserAgrees)
