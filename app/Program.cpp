@@ -1,9 +1,10 @@
 #include "app/Program.h"
 
 #include "app/QtText.h"
+#include "controls/Icons.h"
+#include "controls/LookStyle.h"
 #include "core/Paths.h"
 
-#include <QApplication>
 #include <QDir>
 
 namespace velmora::app {
@@ -60,6 +61,23 @@ void Program::SavePlace()
     m_window.NotePlace(m_windowState);
     m_windowState.lastFolder = m_fileDialogs.lastFolder;
     m_windowState.Save(m_files, m_environment.paths.GetPath("config"));
+}
+
+int RunProgram(QApplication& application)
+{
+    QApplication::setApplicationName("velmora");
+    QApplication::setApplicationVersion(VELMORA_VERSION);
+    QApplication::setDesktopFileName("velmora");
+    // The window decides, by its questions.
+    QApplication::setQuitOnLastWindowClosed(false);
+    controls::InstallLook(application);
+    QApplication::setWindowIcon(controls::ProgramIcon());
+
+    std::vector<std::string> arguments;
+    for (const QString& argument : QApplication::arguments().sliced(1)) {
+        arguments.push_back(argument.toStdString());
+    }
+    return Program().Run(arguments);
 }
 
 } // namespace velmora::app

@@ -10,6 +10,7 @@
 #include "core/Environment.h"
 #include "core/PosixFiles.h"
 
+#include <QApplication>
 #include <string>
 #include <vector>
 
@@ -46,5 +47,8 @@ private:
     Startup m_startup;
     WindowState m_windowState;
 };
+
+/// The whole program: name, look, window, and the project that the application's arguments name; its exit code.
+int RunProgram(QApplication& application);
 
 } // namespace velmora::app

@@ -36,7 +36,7 @@ def breach(path, target, from_system):
         return None
     parts = target.split("/")
     owner = parts[0]
-    if owner == "tests" and folder in OUTSIDE:
+    if (owner == "tests" and folder in OUTSIDE) or owner == folder == "bench":
         return None
     if owner not in FLOOR_OF or ".." in parts:
         return "name the whole path from the root"
