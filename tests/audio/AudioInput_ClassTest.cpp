@@ -145,6 +145,21 @@ TEST_F(AudioInput, TellsOfGapsAndOfADeadInputAndOfALostDevice)
     EXPECT_EQ(file.Frames(), 441 + (1000 + 250 + 1000 + 3500) * 441U / 10);
 }
 
+TEST_F(AudioInput, GoesOnInSilenceWhereTheDeviceDeliversNothing)
+{
+    m_device.firstFrames = 0;
+    m_input.SaveToFile = true;
+    ASSERT_TRUE(m_input.StartCapture());
+    EXPECT_GE(m_input.DeviceLatencyMS(), 2900);
+    EXPECT_LE(m_input.DeviceLatencyMS(), 5000);
+    EXPECT_EQ(m_input.Device(), AudioInput_Class::DeviceState::Silent);
+    EXPECT_TRUE(m_input.Input().silent);
+    m_input.StartEncoder();
+    m_input.EndCapture();
+    EXPECT_GE(m_input.GapMS(), 3000);
+    EXPECT_GT(ReadWav(m_input.FilePath).Frames(), 0U);
+}
+
 TEST_F(AudioInput, KeepsWhatFitsWhenTheDiskIsFull)
 {
     m_input.SaveToFile = true;

@@ -3,6 +3,8 @@
 #include "tests/device/AudioServer.h"
 #include "tests/support/TestEnvironment.h"
 
+#include <chrono>
+
 #include <gtest/gtest.h>
 
 namespace velmora::audio {
@@ -31,6 +33,25 @@ TEST_F(RecordDevices, AreListedWithTheDefaultFirst)
     EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DEVICE);
     EXPECT_FALSE(BASS_RecordInit(2));
     EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DEVICE);
+}
+
+TEST_F(RecordDevices, ThatAreNotThereOrHangFromTheStartKeepNobody)
+{
+    testing::TestEnvironment environment;
+    AudioInput_Class input(*environment);
+    input.InputDevice = 0;
+    EXPECT_FALSE(input.StartCapture());
+    EXPECT_EQ(input.LastErrorMessage(), "RecordInit: There is no available device driver.");
+
+    m_server.Start();
+    ASSERT_TRUE(Becomes([&] { return input.StartCapture(); })) << input.LastErrorMessage();
+    input.EndCapture();
+    m_server.Hang();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(input.StartCapture());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    m_server.GoOn();
+    EXPECT_TRUE(Becomes([&] { return input.StartCapture(); })) << input.LastErrorMessage();
 }
 
 TEST_F(RecordDevices, ThatDieEndWithWhatTheyGave)

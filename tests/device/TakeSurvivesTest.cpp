@@ -3,12 +3,14 @@
 #include "core/BassHelpers.h"
 #include "core/Paths.h"
 #include "core/ProgramFolders.h"
+#include "engine/audioplayer.h"
 #include "soundlayer/soundlayer.h"
 #include "tests/audio/SoundFixture.h"
 #include "tests/device/AudioServer.h"
 #include "tests/project/ProjectFixture.h"
 #include "tests/support/FileSizeLimit.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <fstream>
@@ -261,6 +263,30 @@ TEST_F(TakeOnServer, EndsWithAFullDisk)
     }
     EXPECT_GE(LengthOfTake(0), 500);
     EXPECT_THAT(Messages().LastText(), HasSubstr("its file could not be written"));
+}
+
+TEST_F(TakeOnServer, IsAccompaniedByTheMetronomeAsSet)
+{
+    core::MsgParametersClass click;
+    click.Text = m_environment.Path("click.wav");
+    audio::WriteWav(click.Text, {44'100, 1, std::vector<std::int16_t>(2000, 9000)});
+    Send(core::Msg_Metronome_SetFile, click);
+    SendToChannel(core::Msg_Metronome_Enable, 0, core::kTrue);
+    const testing::Recording ear(Server());
+    Send(core::Msg_Player_Play);
+    Hear(1000);
+    Send(core::Msg_Player_Stop);
+    std::vector<std::int16_t> heard = ear.Samples();
+    EXPECT_EQ(std::ranges::count(heard, 0), std::ssize(heard)) << "not beside takes";
+
+    Send(core::Msg_Recorder_Start);
+    EXPECT_TRUE(ear.HasHeard(2000));
+    SendToChannel(core::Msg_Metronome_SetOnRecording, 0, core::kFalse);
+    Hear(player_GetTimePos() + 3500);
+    heard = ear.Samples();
+    const auto last = heard.end() - std::ptrdiff_t{2} * 2 * 44'100;
+    EXPECT_EQ(std::count(last, heard.end(), 0), heard.end() - last);
+    Send(core::Msg_Recorder_Stop);
 }
 
 } // namespace
