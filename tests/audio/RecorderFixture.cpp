@@ -75,4 +75,17 @@ std::vector<std::string> RecorderTest::Files() const
     return names;
 }
 
+bool RecorderTest::EndsByItself()
+{
+    return Comes([this] {
+        m_environment.ports.timers.Advance(std::chrono::milliseconds(200));
+        return !Recorder().isRecording();
+    });
+}
+
+std::string RecorderTest::Journal(const std::string& wav) const
+{
+    return Read(TakeJournal::PathFor(m_project->FixAudioFilePath(wav)));
+}
+
 } // namespace velmora::audio

@@ -5,8 +5,10 @@
 #include "tests/audio/ScriptedCapture.h"
 #include "tests/project/ProjectFixture.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace velmora::audio {
@@ -37,6 +39,20 @@ protected:
     std::vector<std::string> Clips(const project::Channel_Class& channel) const;
     /// The files of the audio folder but for the lock.
     std::vector<std::string> Files() const;
+
+    /// Waits for what another thread is sure to bring.
+    template <class State>
+    static bool Comes(State&& state)
+    {
+        for (int i = 0; i < 30'000 && !state(); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return state();
+    }
+    /// The take, as its timer goes.
+    bool EndsByItself();
+    /// The text of the journal beside a sound file of the project.
+    std::string Journal(const std::string& wav) const;
 
     ScriptedCapture m_device;
 };
