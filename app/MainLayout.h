@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 /// Where the main window's areas lie, in logical pixels of its client area.
 namespace velmora::app {
 
@@ -26,6 +28,8 @@ struct MainLayout {
     Box overviewLabel{760, 32, 200, 12};
     Box overview{756, 44, 169, 321};
     Box editor{0, 368, 748, 161};
+    /// Where the hairlines stand: between the strips, before the master panel, before the overview.
+    std::array<int, 3> dividers{331, 659, 747};
 
     bool operator==(const MainLayout&) const = default;
 };

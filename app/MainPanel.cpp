@@ -91,7 +91,7 @@ void MainPanel::paintEvent(QPaintEvent* /*event*/)
     const controls::PixelGrid grid(painter);
     controls::FillSharp(painter, rect(), theme::Deck);
     controls::FillSharp(painter, grid.HairlineAlong({0, kBandEnd, static_cast<double>(width()), 1}), theme::Ground);
-    for (const int x : {VoiceFrame->x() - 10, Pic_MasterVol->x() - 10, EventsSmallView->x() - 18}) {
+    for (const int x : ArrangeMain(width(), height()).dividers) {
         controls::FillSharp(painter,
                             grid.HairlineAlong({static_cast<double>(x), kDividerTop, 1, kDividerBottom - kDividerTop}),
                             theme::Line);

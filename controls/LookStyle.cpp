@@ -251,7 +251,7 @@ void LookStyle::polish(QWidget* widget)
     }
     if (widget->inherits("QTipLabel")) {
         PopupShape::Attach(widget, theme::kRadius, PopupShape::Shadow::None);
-        widget->setContentsMargins(4, 0, 4, 0);
+        widget->setContentsMargins(3, 0, 3, 0);
         widget->setFont(theme::Font(11));
     }
     if (const auto* box = qobject_cast<QDialogButtonBox*>(widget); box && box->orientation() == Qt::Horizontal) {

@@ -46,6 +46,21 @@ TEST(WindowState, AWindowIsBroughtBackToAScreenThatIsThere)
     EXPECT_EQ(BringOnScreen({-900, 50, 1100, 600}, {left}), (Box{-900, 50, 1100, 600}));
 }
 
+TEST(MainLayout, DividersStandClearOfTheControlsAtEveryWidth)
+{
+    for (int width = kMinimumWidth; width < 800; ++width) {
+        const MainLayout layout = ArrangeMain(width, 600);
+        const auto [voice, master, overview] = layout.dividers;
+        EXPECT_GE(voice, layout.musicFrame.Right()) << width;
+        EXPECT_LT(voice, layout.voiceFrame.left + 16) << width;
+        EXPECT_GE(master, layout.voiceFrame.Right()) << width;
+        EXPECT_LT(master, layout.masterPanel.left + 16) << width;
+        EXPECT_GE(overview, layout.masterPanel.left + 82) << width;
+        EXPECT_LT(overview, layout.overview.left) << width;
+    }
+    EXPECT_EQ(ArrangeMain(1320, 760).dividers, (std::array{345, 700, 817}));
+}
+
 TEST(MainLayout, WidthGoesToTheGapsFirst)
 {
     EXPECT_EQ(ArrangeMain(760, 530).voiceFrame.left, 327 + 6);

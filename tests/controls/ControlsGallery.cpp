@@ -151,7 +151,7 @@ private:
             slider->SetRange(from, to);
             slider->SetValue(value);
             InState(*slider, column);
-            if (column == PressedDown) {
+            if (column == PressedDown && !std::is_same_v<Slider, imgHFill>) {
                 const QPointF at = slider->FocusShape().center();
                 QMouseEvent press(QEvent::MouseButtonPress, at, at, Qt::LeftButton, Qt::LeftButton, {});
                 QApplication::sendEvent(slider, &press);
@@ -169,7 +169,11 @@ private:
             value = -41;
         }
         SliderRow<imgHScroll>(606, "imgHScroll, centred", {80, 20}, -100, 100, pan, true);
-        SliderRow<imgHFill>(643, "imgHFill", {80, 12}, 0, 100, level);
+        QList<std::pair<Column, double>> fill = level;
+        for (auto& [column, value] : fill) {
+            value = 62.5;
+        }
+        SliderRow<imgHFill>(643, "imgHFill", {80, 12}, 0, 100, fill);
         SliderRow<imgVScroll>(676, "imgVScroll", {36, 106}, 0, 100,
                               {{Normal, 78}, {Hovered, 50}, {PressedDown, 30}, {Disabled, 50}, {Focused, 60}});
     }
