@@ -164,11 +164,10 @@ void WindowSession::Drag(const char* slider) const
     post(QEvent::MouseButtonRelease, from + way);
 }
 
-void WindowSession::DropFile(const char* name) const
+void WindowSession::DropFile(const QString& file) const
 {
-    const QString folder = QString::fromStdString(core::PosixPath(Project().GetAudioPath()));
     QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(folder + '/' + name)});
+    data.setUrls({QUrl::fromLocalFile(file)});
     const QPoint at(20, 500);
     QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(m_window, &enter);

@@ -45,7 +45,7 @@ private:
     void Tool(int index) const;
     void Choose(const QString& path) const;
     void Drag(const char* slider) const;
-    void DropFile(const char* name) const;
+    void DropFile(const QString& file) const;
     void DeleteClip() const;
     std::int32_t Channels() const;
     std::size_t Clips() const;

@@ -8,6 +8,7 @@
 #include "project/ProjectFile_Class.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QMenu>
 #include <QMenuBar>
 #include <thread>
@@ -127,12 +128,14 @@ void WindowSession::Edit()
         Choose("Metronome/Enabled");
         Choose("Metronome/Enabled");
     });
+    const QString beside = QFileInfo(QString::fromStdString(m_subject)).path();
+    const QString own = beside + "/big - Audio files";
     Add(
-        "drop a WAV file of 3 minutes", [this] { DropFile("wav 44100 stereo.wav"); },
+        "drop a WAV file of 3 minutes", [this, own] { DropFile(own + "/wav 44100 stereo.wav"); },
         [this] { return Clips() == kClips + 1; });
     Add(
-        "drop an MP3 file of 3 minutes", [this] { DropFile("mp3 44100 stereo.mp3"); },
-        [this] { return Clips() == kClips + 2; });
+        "drop an MP3 file of an hour", [this, beside] { DropFile(beside + "/an hour.mp3"); },
+        [this] { return Clips() == kClips + 2; }, 1000ms);
 }
 
 void WindowSession::Record()

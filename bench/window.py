@@ -44,6 +44,10 @@ def make_projects(work):
     for path in (song, big):
         link_audio(audio_folder(original), path)
     project.write(song)
+    # Beside the folders, to be dropped.
+    subprocess.run(["ffmpeg", "-v", "error", "-stream_loop", str(3600 // bench_project.FILE_SECONDS - 1), "-i",
+                    os.path.join(audio_folder(original), "mp3 44100 stereo.mp3"), "-c", "copy",
+                    os.path.join(folder, "an hour.mp3")], check=True)
     chance = random.Random(7)
     names = sorted(os.listdir(audio_folder(big)))
     rows = [Clip(chance.choice(names), chance.randint(0, 600000), chance.randint(0, 1000), chance.randint(2000, 90000),

@@ -20,7 +20,7 @@ struct NewClip {
 };
 
 /// A file from a drive that may vanish is copied into the project's folder. `path` is internal. Nothing for a file that
-/// is no sound, which is told; then nothing is copied.
-std::optional<NewClip> NewClipOf(const project::ProjectFile_Class& project, const std::string& path);
+/// is no sound, which is told; then nothing is copied. The interface lives meanwhile, and refuses input.
+std::optional<NewClip> NewClipOf(project::ProjectFile_Class& project, const std::string& path);
 
 } // namespace velmora::controls
