@@ -177,8 +177,7 @@ int LookStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
     case PM_LayoutRightMargin:
     case PM_LayoutBottomMargin:
         return qobject_cast<const QDialog*>(widget) ? kDialogMargin : QProxyStyle::pixelMetric(metric, option, widget);
-    case PM_TextCursorWidth:
-        return 0; // AccentCaret
+    case PM_TextCursorWidth: // AccentCaret stands there
     case PM_ButtonShiftHorizontal:
     case PM_ButtonShiftVertical:
         return 0;
