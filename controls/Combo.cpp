@@ -1,8 +1,8 @@
 #include "controls/Combo.h"
 
 #include "controls/Drawing.h"
-#include "controls/Icons.h"
 #include "controls/Theme.h"
+#include "controls/internal/DialogParts.h"
 
 #include <QKeyEvent>
 #include <QMenu>
@@ -13,9 +13,6 @@
 namespace velmora::controls {
 namespace {
 
-constexpr double kTextLeft = 9;
-constexpr double kChevron = 16;
-constexpr double kChevronRight = 4;
 constexpr int kListRow = 24;
 
 } // namespace
@@ -105,24 +102,11 @@ double Combo::FocusRadius() const
 void Combo::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    const QRectF shape = rect();
-    if (!isEnabled()) {
-        OutlineRound(painter, shape, theme::kRadius, theme::Line);
-    } else {
-        DrawRaised(painter, shape,
-                   m_popupOpen    ? theme::Pressed
-                   : underMouse() ? theme::Hover
-                                  : theme::Raised,
-                   !m_popupOpen);
-    }
-    const double chevronLeft = shape.right() - kChevronRight - kChevron;
+    DrawCombo(QRectF(rect()), {isEnabled(), underMouse(), m_popupOpen}, painter);
     const bool empty = m_text.isEmpty();
     painter.setFont(font());
     painter.setPen(!isEnabled() ? theme::Text3 : empty ? theme::Text2 : theme::Text);
-    DrawElided(painter, {kTextLeft, 0, chevronLeft - kTextLeft - 2, shape.height()}, Qt::AlignLeft,
-               empty ? m_emptyText : m_text);
-    DrawIcon(painter, QStringLiteral("down"), {chevronLeft, (shape.height() - kChevron) / 2}, kChevron,
-             isEnabled() ? theme::Text2 : theme::Text3);
+    DrawElided(painter, ComboText(rect()), Qt::AlignLeft, empty ? m_emptyText : m_text);
 }
 
 void Combo::focusInEvent(QFocusEvent* event)

@@ -134,7 +134,7 @@ QRect LookStyle::subControlRect(ComplexControl control, const QStyleOptionComple
                                 const QWidget* widget) const
 {
     if (control == CC_ComboBox && part == SC_ComboBoxEditField) {
-        return DialogComboText(option->rect);
+        return ComboText(option->rect);
     }
     const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (control != CC_ScrollBar || !bar) {

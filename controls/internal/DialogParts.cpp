@@ -17,23 +17,30 @@ constexpr int kIcon = 16;
 
 } // namespace
 
-void DrawDialogCombo(const QStyleOptionComboBox& combo, QPainter& painter)
+void DrawCombo(const QRectF& shape, const ComboState& state, QPainter& painter)
 {
-    const QRectF shape(combo.rect);
-    const bool enabled = combo.state & QStyle::State_Enabled;
-    const bool open = combo.state & QStyle::State_On;
-    if (!enabled) {
+    if (!state.enabled) {
         OutlineRound(painter, shape, theme::kRadius, theme::Line);
     } else {
-        const bool hover = combo.state & QStyle::State_MouseOver;
-        DrawRaised(painter, shape, open ? theme::Pressed : hover ? theme::Hover : theme::Raised, !open);
+        DrawRaised(painter, shape,
+                   state.open    ? theme::Pressed
+                   : state.hover ? theme::Hover
+                                 : theme::Raised,
+                   !state.open);
     }
     DrawIcon(painter, QStringLiteral("down"),
              {shape.right() - kChevronRight - kChevron, shape.top() + (shape.height() - kChevron) / 2}, kChevron,
-             enabled ? theme::Text2 : theme::Text3);
+             state.enabled ? theme::Text2 : theme::Text3);
 }
 
-QRect DialogComboText(const QRect& combo)
+void DrawDialogCombo(const QStyleOptionComboBox& combo, QPainter& painter)
+{
+    const auto has = [&combo](QStyle::StateFlag flag) -> bool { return combo.state & flag; };
+    DrawCombo(QRectF(combo.rect), {has(QStyle::State_Enabled), has(QStyle::State_MouseOver), has(QStyle::State_On)},
+              painter);
+}
+
+QRect ComboText(const QRect& combo)
 {
     return combo.adjusted(kTextLeft, 0, -kChevron - kChevronRight - 2, 0);
 }

@@ -9,13 +9,19 @@ class QStyleOptionComboBox;
 class QStyleOptionHeader;
 class QStyleOptionToolButton;
 
-/// What the dialogs that Qt brings along consist of, as that for files.
+/// Combos, and what else the dialogs that Qt brings along consist of, as that for files.
 namespace velmora::controls {
 
-/// The ground and the chevron; the text is another part.
+struct ComboState {
+    bool enabled = true;
+    bool hover = false;
+    bool open = false;
+};
+/// The ground and the chevron of a combo of ours.
+void DrawCombo(const QRectF& shape, const ComboState& state, QPainter& painter);
 void DrawDialogCombo(const QStyleOptionComboBox& combo, QPainter& painter);
-/// Where the text of such a combo stands.
-QRect DialogComboText(const QRect& combo);
+/// Where the text of a combo stands.
+QRect ComboText(const QRect& combo);
 void DrawHeaderGround(const QStyleOptionHeader& header, QPainter& painter);
 /// Flat, with an icon.
 void DrawDialogToolButton(const QStyleOptionToolButton& button, QPainter& painter);
