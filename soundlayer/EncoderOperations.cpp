@@ -61,12 +61,14 @@ HENCODE BASS_Encode_StartACMFile(uint32_t handle, const WAVEFORMATEX* format, ui
 
 int BASS_Encode_SetPaused(HENCODE encoder, int paused)
 {
-    EncoderSession* session = Library::Get().FindEncoder(encoder);
-    if (!session) {
-        return 0;
-    }
-    session->SetPaused(paused != 0);
-    return 1;
+    return Operation(0, [&] {
+        EncoderSession* session = Library::Get().FindEncoder(encoder);
+        if (!session) {
+            return 0;
+        }
+        session->SetPaused(paused != 0);
+        return 1;
+    });
 }
 
 int BASS_Encode_Stop(HENCODE encoder)
@@ -131,12 +133,14 @@ int BASS_WMA_EncodeClose(HWMENCODE encoder)
 
 const uint32_t* BASS_WMA_EncodeGetRates(uint32_t freq, uint32_t chans, uint32_t)
 {
-    static std::vector<std::uint32_t> rates;
-    const auto offered = WmaRates({freq, chans});
-    if (offered.empty()) {
-        return Fail<const std::uint32_t*>(BASS_ERROR_NOTAVAIL, nullptr);
-    }
-    rates.assign(offered.begin(), offered.end());
-    rates.push_back(0);
-    return rates.data();
+    return Operation<const std::uint32_t*>(nullptr, [&]() -> const std::uint32_t* {
+        static std::vector<std::uint32_t> rates;
+        const auto offered = WmaRates({freq, chans});
+        if (offered.empty()) {
+            return Fail(BASS_ERROR_NOTAVAIL, nullptr);
+        }
+        rates.assign(offered.begin(), offered.end());
+        rates.push_back(0);
+        return rates.data();
+    });
 }

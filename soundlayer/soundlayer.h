@@ -103,7 +103,7 @@ typedef struct {
     uint32_t freq;
     uint32_t chans;
     uint32_t flags;
-    const char* filename; /* for file streams, else null; lives as long as the stream */
+    const char* filename; /* "" without a file; lives as long as the stream */
 } BASS_CHANNELINFO;
 
 /// The format block of a PCM file.
