@@ -13,7 +13,8 @@ public:
 
     /// For delays from `kBlock` to `longest` frames.
     explicit BlockLine(std::size_t longest)
-        : m_size((longest + kBlock) / kBlock * kBlock)
+        // What is read must not reach into the block that is written meanwhile.
+        : m_size((longest + 2 * kBlock - 1) / kBlock * kBlock)
         , m_frames(m_size + kBlock)
     {
     }
