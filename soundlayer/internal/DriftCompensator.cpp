@@ -42,6 +42,10 @@ std::span<const std::int16_t> DriftCompensator::Convert(std::span<const std::int
         std::ranges::copy(stereo.last(kept), m_last.end() - static_cast<std::ptrdiff_t>(kept));
         return stereo;
     }
+    // Without a pointer the resampler would take it for the end.
+    if (stereo.empty()) {
+        return {};
+    }
     Resample(stereo.data(), stereo.size() / 2);
     return m_out;
 }

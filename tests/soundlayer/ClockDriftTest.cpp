@@ -67,6 +67,7 @@ TEST(DriftCompensator, PassesFramesThroughAndThenStretchesThemWithoutASeam)
         }
         in.insert(in.end(), frames.begin(), frames.end());
         take(compensator.Convert(frames));
+        take(compensator.Convert({}));
     }
     take(compensator.Flush());
 
