@@ -27,7 +27,7 @@ bool SurvivingDevice::Start(std::uint32_t rate, Callback callback)
     m_gone = false;
     m_deviceMS = m_wantedMS;
     m_turn = Side::Device;
-    std::shared_ptr<AudioDevice> device = MakeDevice();
+    std::unique_ptr<AudioDevice> device = MakeDevice();
     if (!StartDevice(*device)) {
         return false;
     }
@@ -155,8 +155,7 @@ void SurvivingDevice::Keep()
 
 void SurvivingDevice::Drop(std::unique_lock<std::mutex>& lock)
 {
-    const std::shared_ptr<AudioDevice> device = std::move(m_device);
-    m_device = nullptr;
+    const std::unique_ptr<AudioDevice> device = std::move(m_device);
     const bool failedToArrive = m_standIn && m_wantedMS == m_deviceMS;
     m_state = DeviceState::Lost;
     lock.unlock();
@@ -176,7 +175,7 @@ void SurvivingDevice::Drop(std::unique_lock<std::mutex>& lock)
 void SurvivingDevice::TryAgain(std::unique_lock<std::mutex>& lock)
 {
     m_deviceMS = m_wantedMS;
-    std::shared_ptr<AudioDevice> device = MakeDevice();
+    std::unique_ptr<AudioDevice> device = MakeDevice();
     lock.unlock();
     const bool started = StartDevice(*device);
     lock.lock();

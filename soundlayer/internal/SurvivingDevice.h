@@ -79,7 +79,7 @@ private:
 
     mutable std::mutex m_mutex;
     std::condition_variable m_wake;
-    std::shared_ptr<AudioDevice> m_device;
+    std::unique_ptr<AudioDevice> m_device;
     std::unique_ptr<AudioDevice> m_standIn;
     mutable std::uint32_t m_latencyMS = 0;
     std::uint32_t m_minBufferMS = 0;
