@@ -152,6 +152,7 @@ void FocusRing::Show(QWidget* target)
     Hide();
     m_target = target;
     m_frame = new Frame(target->window(), *target);
+    connect(target, &QObject::destroyed, m_frame, &QWidget::hide);
     Place();
     m_frame->show();
 }

@@ -218,7 +218,7 @@ TEST(MasterPanels, TellWhatTheUserDoesAlsoAtTheEndOfTheRange)
     EXPECT_FALSE(mute[0][0].toBool());
 }
 
-TEST(Focus, RingShowsForKeysAndGoesAtAClick)
+TEST(Focus, RingShowsForKeysAndGoesAtAClickAndWithItsControl)
 {
     QWidget window;
     window.resize(200, 100);
@@ -242,6 +242,12 @@ TEST(Focus, RingShowsForKeysAndGoesAtAClick)
     first.setFocus(Qt::BacktabFocusReason);
     EXPECT_EQ(rings(), 1);
     QTest::mouseClick(&second, Qt::LeftButton);
+    EXPECT_EQ(rings(), 0);
+    auto* third = new imgButton(ButtonLook::Raised, &window);
+    third->show();
+    third->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(rings(), 1);
+    delete third;
     EXPECT_EQ(rings(), 0);
 }
 
