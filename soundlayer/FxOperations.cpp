@@ -63,16 +63,6 @@ int BASS_FXSetParameters(HFX fx, const void* block)
     });
 }
 
-int Sound_FXSetPriority(HFX fx, int32_t priority)
-{
-    return Operation(0, [&] {
-        Library& library = Library::Get();
-        const EffectSlot* slot = library.FindEffect(fx);
-        Stream* stream = slot ? library.FindStream(slot->stream) : nullptr;
-        return stream && stream->MoveEffect(library.edits, *slot, priority) ? 1 : 0;
-    });
-}
-
 int Sound_FXSetPriorities(uint32_t handle, const HFX* fx, const int32_t* priorities, uint32_t count)
 {
     return Operation(0, [&] {

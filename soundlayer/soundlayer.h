@@ -299,8 +299,6 @@ SOUND_API HSTREAM Sound_ClipCreate(const char* file, uint32_t freq);
 SOUND_API int Sound_ClipPrepare(HSTREAM clip, uint32_t frames);
 /// Lets a mixer's source go on or holds it: a held source is neither heard nor advanced. [RT]
 SOUND_API int Sound_SetRunning(HSTREAM source, int running);
-/// Moves an effect within its stream, as if it were set now with `priority`; its tail goes on.
-SOUND_API int Sound_FXSetPriority(HFX fx, int32_t priority);
 /// Gives `count` effects of a stream new priorities, all at once. Equal ones stay in their order. An effect that
 /// changes its place keeps its tail; the others go on untouched.
 SOUND_API int Sound_FXSetPriorities(uint32_t handle, const HFX* fx, const int32_t* priorities, uint32_t count);

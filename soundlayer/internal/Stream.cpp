@@ -90,15 +90,6 @@ bool Stream::RemoveEffect(GraphEdits& edits, const EffectSlot& slot)
     return true;
 }
 
-bool Stream::MoveEffect(GraphEdits& edits, const EffectSlot& slot, std::int32_t priority)
-{
-    if (!m_edited.effects.Move(slot, priority)) {
-        return false;
-    }
-    Publish(edits);
-    return true;
-}
-
 void Stream::ReorderEffects(GraphEdits& edits, std::span<const std::pair<const EffectSlot*, std::int32_t>> priorities)
 {
     m_edited.effects.Reorder(priorities);

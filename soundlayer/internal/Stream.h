@@ -78,7 +78,6 @@ public:
     bool RemoveDsp(GraphEdits& edits, HDSP dsp);
     void AddEffect(GraphEdits& edits, std::shared_ptr<EffectSlot> slot, std::int32_t priority);
     bool RemoveEffect(GraphEdits& edits, const EffectSlot& slot);
-    bool MoveEffect(GraphEdits& edits, const EffectSlot& slot, std::int32_t priority);
     void ReorderEffects(GraphEdits& edits, std::span<const std::pair<const EffectSlot*, std::int32_t>> priorities);
     std::vector<std::uint32_t> EffectHandles() const { return m_edited.effects.Handles(); }
     void AddTap(GraphEdits& edits, std::shared_ptr<BlockTap> tap);

@@ -28,6 +28,11 @@ HFX SetFX(HSTREAM stream, std::uint32_t type, const Block& block, std::int32_t p
     return fx;
 }
 
+bool MoveFX(HSTREAM stream, HFX fx, std::int32_t priority)
+{
+    return Sound_FXSetPriorities(stream, &fx, &priority, 1) != 0;
+}
+
 /// The left side's peak once a second has gone by.
 int SettledPeak(HSTREAM stream)
 {
@@ -53,10 +58,12 @@ TEST(EffectStream, RunsEffectsOfLowPriorityFirstBetweenTheDsps)
     EXPECT_NEAR(SettledPeak(stream.handle), 335, 4);
     const HFX raise = SetFX(stream.handle, BASS_FX_DX8_PARAMEQ, kRaise, 20);
     EXPECT_NEAR(SettledPeak(stream.handle), 1887, 20);
-    EXPECT_TRUE(Sound_FXSetPriority(raise, 9));
+    EXPECT_TRUE(MoveFX(stream.handle, raise, 9));
     EXPECT_NEAR(SettledPeak(stream.handle), 341, 4) << "raised before it is squashed";
-    EXPECT_TRUE(Sound_FXSetPriority(raise, 10));
-    EXPECT_NEAR(SettledPeak(stream.handle), 1887, 20) << "behind one of equal priority";
+    EXPECT_TRUE(MoveFX(stream.handle, raise, 10));
+    EXPECT_NEAR(SettledPeak(stream.handle), 341, 4) << "equal ones stay in their order";
+    EXPECT_TRUE(MoveFX(stream.handle, raise, 11));
+    EXPECT_NEAR(SettledPeak(stream.handle), 1887, 20);
 
     const HDSP before = BASS_ChannelSetDSP(stream.handle, half, 0, 0);
     EXPECT_NEAR(SettledPeak(stream.handle), 1874, 20) << "a DSP of priority 0 comes before the compressor";
@@ -102,7 +109,7 @@ TEST(EffectStream, RefusesWhatCannotBeAndSaysWhy)
     EXPECT_TRUE(BASS_ChannelRemoveFX(stream.handle, fx));
     EXPECT_FALSE(BASS_ChannelRemoveFX(stream.handle, fx));
     EXPECT_FALSE(BASS_FXSetParameters(fx, &kRaise));
-    EXPECT_FALSE(Sound_FXSetPriority(fx, 1));
+    EXPECT_FALSE(MoveFX(stream.handle, fx, 1));
 
     const HSTREAM mixer = BASS_Mixer_StreamCreate(44'100, 2, BASS_STREAM_DECODE);
     const HFX lost = BASS_ChannelSetFX(mixer, BASS_FX_DX8_PARAMEQ, 0);
@@ -145,13 +152,14 @@ TEST(EffectStream, EditsKeepTheTailsOfOtherEffects)
             Sound_BeginEdit();
             flat.push_back(SetFX(mixer.handle, BASS_FX_DX8_PARAMEQ, kFlat, section * 10 + 5));
             flat.push_back(SetFX(mixer.handle, BASS_FX_DX8_PARAMEQ, kFlat, 105 - section * 10));
-            EXPECT_TRUE(Sound_FXSetPriority(flat.front(), 95 - 10 * section));
+            // Past more than the echo alone: of two that change places either may be the one that moves.
+            EXPECT_TRUE(MoveFX(mixer.handle, flat.front(), 94 - 10 * section));
             if (section % 3 == 2) {
                 EXPECT_TRUE(BASS_ChannelRemoveFX(mixer.handle, flat[1]));
                 flat.erase(flat.begin() + 1);
             }
             // As a chain does that is stopped and started: the order is told anew, and stays.
-            EXPECT_TRUE(Sound_FXSetPriority(echo, 50));
+            EXPECT_TRUE(MoveFX(mixer.handle, echo, 50));
             Sound_EndEdit();
         });
     };
@@ -177,7 +185,7 @@ TEST(EffectStream, JoinsAndLeavesWithoutAStepWhateverTheBlocks)
                 echo = SetFX(mixer.handle, BASS_FX_DX8_ECHO, kEcho, 5);
                 break;
             case 6:
-                Sound_FXSetPriority(raise, 1);
+                MoveFX(mixer.handle, raise, 1);
                 break;
             case 8:
                 BASS_ChannelRemoveFX(mixer.handle, raise);

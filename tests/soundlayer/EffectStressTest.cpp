@@ -45,7 +45,8 @@ TEST(EffectStress, EditsWhileItSoundsNeitherAllocateNorWait)
                 break;
             case 2:
                 if (!effects.empty()) {
-                    EXPECT_TRUE(Sound_FXSetPriority(effects.back().fx, static_cast<std::int32_t>(random() % 5)));
+                    const auto priority = static_cast<std::int32_t>(random() % 5);
+                    EXPECT_TRUE(Sound_FXSetPriorities(effects.back().stream, &effects.back().fx, &priority, 1));
                 }
                 break;
             case 3:

@@ -75,22 +75,6 @@ bool EffectList::Remove(const EffectSlot& slot)
     return true;
 }
 
-bool EffectList::Move(const EffectSlot& slot, std::int32_t priority)
-{
-    const auto from = Find(slot);
-    if (from == m_entries.end()) {
-        return false;
-    }
-    const auto to = PlaceFor(priority);
-    if (to == from || (to > from && std::all_of(from + 1, to, [](const Entry& other) { return other.leaving; }))) {
-        from->priority = priority;
-        return true;
-    }
-    from->leaving = true;
-    Add(from->slot, priority);
-    return true;
-}
-
 void EffectList::Reorder(std::span<const std::pair<const EffectSlot*, std::int32_t>> priorities)
 {
     for (const auto& [slot, priority] : priorities) {

@@ -59,7 +59,6 @@ public:
     void Add(std::shared_ptr<EffectSlot> slot, std::int32_t priority);
     /// False when it is not in the list.
     bool Remove(const EffectSlot& slot);
-    bool Move(const EffectSlot& slot, std::int32_t priority);
     /// Gives effects new priorities, all at once; one that is not in the list is passed over. Equal ones stay in their
     /// order. As few as can be change their place.
     void Reorder(std::span<const std::pair<const EffectSlot*, std::int32_t>> priorities);
