@@ -174,13 +174,6 @@ void DrawElided(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, 
     DrawLine(painter, rect, alignment, QFontMetricsF(painter.font()).elidedText(text, mode, rect.width()));
 }
 
-double DigitsWidth(const QFont& font, const QString& text)
-{
-    const QFontMetricsF metrics(font);
-    const double cell = WidestDigit(metrics);
-    return CellsWidth(text, metrics, cell, cell / 2);
-}
-
 void DrawDigits(QPainter& painter, const QRectF& rect, const QString& text, Qt::Alignment alignment)
 {
     const double cell = WidestDigit(QFontMetricsF(painter.font()));

@@ -56,9 +56,8 @@ void DrawLine(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, co
 void DrawElided(QPainter& painter, const QRectF& rect, Qt::Alignment alignment, const QString& text,
                 Qt::TextElideMode mode = Qt::ElideRight);
 
-/// Width of `text` with each digit in a cell as wide as the widest of 0 to 9; ":" and "." take half a cell.
-double DigitsWidth(const QFont& font, const QString& text);
-/// Draws a value that changes in place, at the right of `rect` as values are, with digits in cells of one width.
+/// Draws a value that changes in place, at the right of `rect` as values are, with each digit in a cell as wide as the
+/// widest of 0 to 9; ":" and "." take half a cell.
 void DrawDigits(QPainter& painter, const QRectF& rect, const QString& text, Qt::Alignment alignment = Qt::AlignRight);
 /// With cells of given widths, as in the time display.
 void DrawDigits(QPainter& painter, const QRectF& rect, const QString& text, Qt::Alignment alignment, double digitCell,

@@ -76,7 +76,6 @@ inline constexpr QColor MeterOff = detail::Rgb(0x2A2D33);
 inline constexpr double kSmallRadius = 3; ///< check box, chip, label of a mark
 inline constexpr double kRadius = 4;      ///< every control and clip
 inline constexpr double kMenuRadius = 6;
-inline constexpr double kPanelRadius = 8;
 inline constexpr int kControlHeight = 26;
 inline constexpr int kSmallHeight = 20; ///< step buttons and sliders
 

@@ -21,7 +21,6 @@ public:
     void SetFrames(std::int64_t frames) { m_frames.store(frames, std::memory_order_release); }
 
     /// The last millisecond whose frame is not behind the position, so that a time that was set reads back as it was.
-    std::int32_t PositionMS(std::int32_t rate) const { return TimeOf(Frames(), rate); }
     static std::int32_t TimeOf(std::int64_t frame, std::int32_t rate);
 
 private:

@@ -26,7 +26,6 @@ public:
     const std::string& GetAudioPath() const { return m_path; }
     /// The folder to use from now on; the lock of the one before is let go.
     void Enter(std::string folder, std::unique_ptr<core::FileLock> lock);
-    void Leave() { Enter({}, nullptr); }
 
     /// Relative paths are taken from the folder. One that leads out of it gives "".
     std::string FixAudioFilePath(std::string_view Path) const;

@@ -93,7 +93,7 @@ void MixerStream::RenewSource(GraphEdits& edits, Stream& source)
     Publish(edits);
 }
 
-const std::vector<std::shared_ptr<Stream>> MixerStream::Sources() const
+std::vector<std::shared_ptr<Stream>> MixerStream::Sources() const
 {
     std::vector<std::shared_ptr<Stream>> streams;
     for (const auto& entry : m_edited) {

@@ -33,7 +33,7 @@ public:
     /// Makes the resampler of `source` anew, after its frequency was set or its position changed.
     void RenewSource(GraphEdits& edits, Stream& source);
     bool HasSources() const { return !m_edited.empty(); }
-    const std::vector<std::shared_ptr<Stream>> Sources() const;
+    std::vector<std::shared_ptr<Stream>> Sources() const;
     bool PullsAlone() const override;
     bool Laborious() const override;
 
@@ -44,7 +44,6 @@ private:
     struct Source;
     using SourceList = std::vector<std::shared_ptr<Source>>;
 
-    std::shared_ptr<Source> MakeSource(std::shared_ptr<Stream> stream) const;
     void Publish(GraphEdits& edits);
     static bool Held(const Source& source);
     /// What the other threads are to pull, into `m_shared`, is more than one source. [RT]

@@ -1,5 +1,7 @@
 #include "soundlayer/internal/SampleConverter.h"
 
+#include "soundlayer/SampleRounding.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -11,17 +13,6 @@ namespace {
 
 constexpr std::size_t kBlock = 256;
 constexpr float kFullScale = 32768.0F;
-
-/// The nearest step, halves to the even one.
-inline std::int16_t ToStep(float steps)
-{
-    // Adding 1.5 x 2^23 leaves no bits for a fraction: the addition rounds, and the low bits hold the whole number.
-    // Unlike lrintf with its 64-bit result this becomes vector code, as do limits of this form.
-    constexpr float kShift = 12582912.0F;
-    steps = steps < 32767.0F ? steps : 32767.0F;
-    steps = steps > -32768.0F ? steps : -32768.0F;
-    return static_cast<std::int16_t>(std::bit_cast<std::int32_t>(steps + kShift));
-}
 
 /// 24 bits in the three upper bytes of 32.
 inline float LoadS24(const std::uint8_t* in)
@@ -160,15 +151,15 @@ std::size_t BytesPerSample(SampleType type)
 void RoundSamples(const float* in, float scale, std::size_t count, std::int16_t* out)
 {
     for (std::size_t i = 0; i < count; ++i) {
-        out[i] = ToStep(in[i] * scale);
+        out[i] = RoundSample(in[i] * scale);
     }
 }
 
 void RoundStereo(const float* left, const float* right, float scale, std::size_t frames, std::int16_t* out)
 {
     for (std::size_t i = 0; i < frames; ++i) {
-        out[2 * i] = ToStep(left[i] * scale);
-        out[2 * i + 1] = ToStep(right[i] * scale);
+        out[2 * i] = RoundSample(left[i] * scale);
+        out[2 * i + 1] = RoundSample(right[i] * scale);
     }
 }
 

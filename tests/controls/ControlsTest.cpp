@@ -305,16 +305,6 @@ TEST(Drawing, EdgesFallOnDevicePixelsWhereverTheWidgetStands)
     }
 }
 
-TEST(Drawing, ValuesKeepTheirPlacesWhileDigitsChange)
-{
-    const QFont font = theme::Font(11, QFont::Medium);
-    EXPECT_EQ(DigitsWidth(font, "+11%"), DigitsWidth(font, "+88%"));
-    const QFontMetricsF metrics(font);
-    for (const QChar digit : QString("0123456789")) {
-        EXPECT_LE(metrics.horizontalAdvance(digit), DigitsWidth(font, "1"));
-    }
-}
-
 TEST(Icons, EachCanBeDrawnAtEachScale)
 {
     for (const char* name : {"new", "check", "more", "retake", "velmora", "zoomreset"}) {

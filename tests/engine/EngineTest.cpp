@@ -12,18 +12,13 @@
 namespace velmora::engine {
 namespace {
 
-TEST(PlaybackClock, GivesBackEveryTimeAndDoesNotDrift)
+TEST(PlaybackClock, GivesBackEveryTime)
 {
     for (const std::int32_t rate : {44'100, 48'000, 22'050}) {
         for (std::int32_t ms = 0; ms < 100'000; ms += 7) {
             ASSERT_EQ(PlaybackClock::TimeOf(core::FrameOfMS(ms, rate), rate), ms) << rate;
         }
     }
-    PlaybackClock clock;
-    for (int block = 0; block < 10'000; ++block) {
-        clock.Advance(441);
-    }
-    EXPECT_EQ(clock.PositionMS(44'100), 100'000);
 }
 
 TEST(EngineTables, RowsAreReplacedAndGoWithTheirChannel)
