@@ -4,6 +4,7 @@
 #include "engine/audioplayer.h"
 #include "soundlayer/soundlayer.h"
 #include "tests/project/ProjectFixture.h"
+#include "tests/support/Becomes.h"
 
 #include <chrono>
 #include <cstdio>
@@ -12,7 +13,6 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace velmora::audio {
@@ -329,15 +329,6 @@ TEST_F(EngineFollows, ReloadsWhenAskedAndAfterTheUndosThatBringOtherClips)
     EXPECT_TRUE(Engine().empty());
 }
 
-/// Waits for what another thread is sure to bring.
-bool Comes(const std::function<bool()>& state)
-{
-    for (int i = 0; i < 20'000 && !state(); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return state();
-}
-
 TEST_F(EngineFollows, ChannelsThatJoinWhileItPlaysAreHeard)
 {
     const std::string path = m_project->FixAudioFilePath("loud.wav");
@@ -349,7 +340,7 @@ TEST_F(EngineFollows, ChannelsThatJoinWhileItPlaysAreHeard)
         const auto& channel = *m_project->Chn_GetChannelClassObj_by_ID(Send(msgID).NewChannelID);
         AddClip(channel, player_GetTimePos() + 100, "loud.wav");
         const std::uint32_t meter = channel.BassOutMix_Handle;
-        EXPECT_TRUE(Comes([meter] {
+        EXPECT_TRUE(testing::Becomes([meter] {
             std::int32_t left = 0;
             std::int32_t right = 0;
             GetRMSLevel(meter, &left, &right);

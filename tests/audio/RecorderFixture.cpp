@@ -77,7 +77,7 @@ std::vector<std::string> RecorderTest::Files() const
 
 bool RecorderTest::EndsByItself()
 {
-    return Comes([this] {
+    return testing::Becomes([this] {
         m_environment.ports.timers.Advance(std::chrono::milliseconds(200));
         return !Recorder().isRecording();
     });

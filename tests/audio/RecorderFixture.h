@@ -4,11 +4,10 @@
 #include "project/Undo_Class.h"
 #include "tests/audio/ScriptedCapture.h"
 #include "tests/project/ProjectFixture.h"
+#include "tests/support/Becomes.h"
 
-#include <chrono>
 #include <cstdint>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace velmora::audio {
@@ -40,15 +39,6 @@ protected:
     /// The files of the audio folder but for the lock.
     std::vector<std::string> Files() const;
 
-    /// Waits for what another thread is sure to bring.
-    template <class State>
-    static bool Comes(State&& state)
-    {
-        for (int i = 0; i < 30'000 && !state(); ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return state();
-    }
     /// The take, as its timer goes.
     bool EndsByItself();
     /// The text of the journal beside a sound file of the project.

@@ -87,7 +87,7 @@ TEST_F(RecorderClass, TakeLandsWhereAndOnTheChannelItBegan)
 TEST_F(RecorderClass, TheJournalKnowsThePlaceFromTheStartOn)
 {
     // An output that has just begun has not told yet when it is heard.
-    ASSERT_TRUE(Comes([] { return Sound_MixedFrames() > 44'100 / 5; }));
+    ASSERT_TRUE(testing::Becomes([] { return Sound_MixedFrames() > 44'100 / 5; }));
     m_device.latency = 400ms;
     Seek(1000);
     Start();
@@ -114,7 +114,7 @@ TEST_F(RecorderClass, PlaysAcrossTheProjectsEnd)
     Record(0, 200);
     Seek(150);
     Start();
-    EXPECT_TRUE(Comes([this] {
+    EXPECT_TRUE(testing::Becomes([this] {
         m_environment.ports.timers.Advance(50ms);
         return m_project->Player->GetTimePos() > 400;
     })) << "the project was 200 ms long";

@@ -116,9 +116,9 @@ TEST_F(TakeEnds, TellsOfADeadAndOfALoudInput)
     ASSERT_TRUE(m_device.Deliver(2500, 1));
     EXPECT_FALSE(Recorder().InputIsSilent() || Recorder().InputClipped());
     ASSERT_TRUE(m_device.Deliver(3500, 0));
-    EXPECT_TRUE(Comes([&] { return Recorder().InputIsSilent(); }));
+    EXPECT_TRUE(testing::Becomes([&] { return Recorder().InputIsSilent(); }));
     ASSERT_TRUE(m_device.Deliver(50, 32'767));
-    EXPECT_TRUE(Comes([&] { return Recorder().InputClipped(); }));
+    EXPECT_TRUE(testing::Becomes([&] { return Recorder().InputClipped(); }));
     EXPECT_FALSE(Recorder().InputIsSilent());
     Stop();
     EXPECT_FALSE(Recorder().InputClipped());

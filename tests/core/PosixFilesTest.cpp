@@ -1,6 +1,7 @@
 #include "core/PosixFiles.h"
 
 #include "core/Paths.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <csignal>
@@ -31,26 +32,6 @@ protected:
     PosixFiles files;
 };
 
-/// The process writes no file longer than `bytes` while this lives, as on a disk with that much room.
-class SmallDisk {
-public:
-    explicit SmallDisk(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &m_earlier);
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit small{bytes, m_earlier.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_earlier);
-        std::signal(SIGXFSZ, SIG_DFL);
-    }
-
-private:
-    rlimit m_earlier{};
-};
-
 /// Runs `body` in another process; its answer.
 template <typename Body>
 int InOtherProcess(Body body)
@@ -70,7 +51,7 @@ TEST_F(PosixFilesTest, FailedWriteLeavesTheEarlierFile)
     ASSERT_TRUE(files.WriteTextFile(Path("p.audioproj"), "earlier"));
     ASSERT_TRUE(files.WriteTextFile(Path("long.wav"), longText));
     {
-        const SmallDisk disk(50'000);
+        const testing::FileSizeLimit limit(50'000);
         EXPECT_FALSE(files.WriteTextFile(Path("p.audioproj"), longText));
         EXPECT_FALSE(files.CopyFile(Path("long.wav"), Path("p.audioproj")));
     }

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "tests/support/Becomes.h"
 #include "tests/support/TemporaryFolder.h"
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <sys/types.h>
@@ -57,19 +56,5 @@ private:
     std::filesystem::path m_file;
     pid_t m_process = 0;
 };
-
-/// Waits until `holds()`; false when that takes too long even for a machine under load.
-template <class Condition>
-bool Becomes(Condition&& holds)
-{
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!holds()) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
 
 } // namespace velmora::testing

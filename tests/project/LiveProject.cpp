@@ -3,11 +3,10 @@
 #include "audio/AudioPlayer_Class.h"
 #include "core/Units.h"
 #include "engine/audioplayer.h"
+#include "tests/support/Becomes.h"
 
-#include <chrono>
 #include <iterator>
 #include <sstream>
-#include <thread>
 #include <vector>
 
 namespace velmora::project {
@@ -108,15 +107,7 @@ void LiveProject::Edit()
 void LiveProject::Hear(std::int32_t ms)
 {
     const std::int32_t until = player_GetTimePos() + ms;
-    EXPECT_TRUE(Comes([until] { return player_GetTimePos() >= until; }));
-}
-
-bool LiveProject::Comes(const std::function<bool()>& state)
-{
-    for (int i = 0; i < 60'000 && !state(); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return state();
+    EXPECT_TRUE(testing::Becomes([until] { return player_GetTimePos() >= until; }));
 }
 
 std::set<std::string> LiveProject::EngineClips() const

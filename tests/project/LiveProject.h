@@ -4,7 +4,6 @@
 #include "tests/project/ProjectFixture.h"
 
 #include <cstdint>
-#include <functional>
 #include <random>
 #include <set>
 #include <string>
@@ -32,9 +31,6 @@ public:
     using ProjectTest::m_environment;
     using ProjectTest::m_project;
     using ProjectTest::Send;
-
-    /// Waits for what another thread is sure to bring.
-    static bool Comes(const std::function<bool()>& state);
 
 private:
     void TestBody() override {}

@@ -1,6 +1,7 @@
 #include "engine/audioplayer.h"
 #include "soundlayer/soundlayer.h"
 #include "tests/project/LiveProject.h"
+#include "tests/support/Becomes.h"
 #include "tests/support/RealTimeGuard.h"
 
 #include <cstddef>
@@ -44,7 +45,7 @@ void LiveOnce(std::uint32_t seed)
     const testing::RealTimeGuard guard;
     program.Send(core::Msg_Player_Play);
     const Channel_Class& channel = *program.m_project->Chn_GetMusicChannelObj_by_Index(0);
-    EXPECT_TRUE(LiveProject::Comes([&] { return LevelOf(channel) > 0; }));
+    EXPECT_TRUE(testing::Becomes([&] { return LevelOf(channel) > 0; }));
     for (int edit = 0; edit < 12; ++edit) {
         program.Edit();
         program.Hear(15);
@@ -68,10 +69,10 @@ TEST(WholeLife, UpAndDownTwiceLeavesNoThreadAndNoFileOpen)
     const std::size_t threads = Threads();
     LiveOnce(1);
     const std::size_t files = OpenFiles();
-    EXPECT_TRUE(LiveProject::Comes([threads] { return Threads() == threads; })) << Threads();
+    EXPECT_TRUE(testing::Becomes([threads] { return Threads() == threads; })) << Threads();
     LiveOnce(2);
     EXPECT_EQ(OpenFiles(), files);
-    EXPECT_TRUE(LiveProject::Comes([threads] { return Threads() == threads; })) << Threads();
+    EXPECT_TRUE(testing::Becomes([threads] { return Threads() == threads; })) << Threads();
     EXPECT_EQ(BASS_GetDevice(), -1);
 }
 

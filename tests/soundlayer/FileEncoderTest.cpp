@@ -1,21 +1,21 @@
 #include "soundlayer/internal/FileEncoder.h"
 
 #include "soundlayer/internal/WavEncoder.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <cmath>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <numbers>
+#include <optional>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sndfile.h>
-#include <sys/resource.h>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -350,13 +350,9 @@ TEST_F(FileEncoderTest, RefusalsTellTheFormatFromTheFile)
 
 TEST_F(FileEncoderTest, FullDiskIsToldAndWhatLandedStays)
 {
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
     // Room for the headers only, and for some sound: the first fails as late as at the end.
     for (const rlim_t room : {rlim_t{6000}, rlim_t{100000}}) {
-        const rlimit small{room, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
+        auto limit = std::make_optional<velmora::testing::FileSizeLimit>(room);
         EncoderError error = EncoderError::None;
         const auto wav = FileEncoder::OpenWav(Name("x.wav"), {}, error);
         const bool wavWritten = wav && WriteAll(*wav, {}, Sweep({}, 44100));
@@ -364,7 +360,7 @@ TEST_F(FileEncoderTest, FullDiskIsToldAndWhatLandedStays)
         const auto wma = FileEncoder::OpenWma(Name("x.wma"), {}, 320000, error);
         const bool wmaWritten = wma && WriteAll(*wma, {}, Sweep({}, room == 6000 ? 1000 : 441000));
         const bool wmaFinished = wma && wma->Finish();
-        setrlimit(RLIMIT_FSIZE, &before);
+        limit.reset();
 
         ASSERT_TRUE(wav && wma);
         EXPECT_FALSE(wavWritten);
