@@ -27,6 +27,11 @@ struct Kind {
     bool Whole(std::size_t field) const { return (wholeFields >> field & 1U) != 0; }
 };
 
+std::ostream& operator<<(std::ostream& out, const Kind& kind)
+{
+    return out << kind.name;
+}
+
 template <typename Block>
 Kind MakeKind(const char* name, std::uint32_t type)
 {
