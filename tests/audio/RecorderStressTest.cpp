@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <random>
 #include <set>
 #include <thread>
@@ -12,6 +13,12 @@ namespace velmora::audio {
 namespace {
 
 using namespace std::chrono_literals;
+
+std::uint32_t Seed()
+{
+    const char* wanted = std::getenv("VELMORA_SEED");
+    return wanted ? static_cast<std::uint32_t>(std::atoi(wanted)) : 20261121;
+}
 
 class RecorderStress : public RecorderTest {
 protected:
@@ -88,7 +95,7 @@ protected:
 
     std::uint32_t Voices() const { return static_cast<std::uint32_t>(m_project->Chn_GetVoiceChannel_TotalN()); }
 
-    std::mt19937 m_random{20261121};
+    std::mt19937 m_random{Seed()};
     std::int32_t m_number = -1;
     std::atomic<std::uint32_t> m_blocks{0};
     std::jthread m_delivering;
