@@ -116,7 +116,7 @@ void Take::UpdateJournal()
     // A correction of the user's may put the start before the file begins.
     const std::int32_t fileStart = Input().FileStartMS();
     m_journal.StartMS = std::max(fileStart, 0);
-    m_journal.TimePosMS = m_startMS + std::max(-fileStart, 0);
+    m_journal.TimePosMS = m_startMS + std::clamp(-fileStart, 0, std::max(-m_environment.config.Recording_OffsetMS, 0));
     m_journal.Write(m_environment.files, m_path);
 }
 
