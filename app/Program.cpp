@@ -4,13 +4,18 @@
 #include "controls/Icons.h"
 #include "controls/LookStyle.h"
 #include "core/Paths.h"
+#include "soundlayer/soundlayer.h"
 
 #include <QDir>
+#include <QTimer>
+#include <chrono>
 
 namespace velmora::app {
 namespace {
 
 constexpr int kFailed = 1;
+/// After which the window has been painted on any machine that is worth the wait.
+constexpr std::chrono::milliseconds kUntilPainted{200};
 
 } // namespace
 
@@ -37,11 +42,14 @@ int Program::Run(const std::vector<std::string>& arguments)
         return kFailed;
     }
     LoadPlace();
+    Sound_HoldCodecs(1);
     if (!m_startup.OpenFirstProject(project)) {
+        Sound_HoldCodecs(0);
         m_startup.ShutDown();
         return kFailed;
     }
     m_window.Place(m_windowState);
+    QTimer::singleShot(kUntilPainted, [] { Sound_HoldCodecs(0); });
     m_startup.Greet();
     m_startup.OfferAbandonedTakes();
     const int code = QApplication::exec();

@@ -209,6 +209,9 @@ SOUND_API uint32_t BASS_GetConfig(uint32_t option);
 
 /* Streams */
 
+/// While held, but for a second at most, whoever opens the first file that is no WAV waits: what decodes it is being
+/// loaded only then, which would slow a program's start.
+SOUND_API void Sound_HoldCodecs(int hold);
 /// A whole file: `mem`, `offset` and `length` are 0. WMA is left to `BASS_WMA_StreamCreateFile`.
 SOUND_API HSTREAM BASS_StreamCreateFile(int mem, const void* file, uint64_t offset, uint64_t length, uint32_t flags);
 SOUND_API HSTREAM BASS_WMA_StreamCreateFile(int mem, const void* file, uint64_t offset, uint64_t length,
