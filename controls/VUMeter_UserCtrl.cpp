@@ -40,7 +40,7 @@ void VUMeter_UserCtrl::SetValue(std::int32_t value)
     const auto [from, to] = std::minmax({LitBars(m_value), LitBars(limited)});
     m_value = limited;
     if (from < to) {
-        update(BarRect(from + 1).united(BarRect(to)));
+        update(StepRect(from + 1).united(StepRect(to)));
     }
 }
 
@@ -63,9 +63,9 @@ std::int32_t VUMeter_UserCtrl::LitBars(std::int32_t value) const
     return core::RoundToInt(static_cast<double>(value) / m_maxValue * BarCount());
 }
 
-QRect VUMeter_UserCtrl::BarRect(std::int32_t i) const
+QRect VUMeter_UserCtrl::StepRect(std::int32_t i) const
 {
-    return {i * m_look.BarWidth, kBarTop, m_look.BarShapeWidth, height() - 2 * kBarTop};
+    return {i * m_look.BarWidth, kBarTop, m_look.BarWidth, height() - 2 * kBarTop};
 }
 
 std::int32_t VUMeter_UserCtrl::BarCount() const
@@ -91,14 +91,12 @@ void VUMeter_UserCtrl::paintEvent(QPaintEvent* event)
     const std::int32_t lit = LitBars();
     const std::int32_t last = m_look.ShowEmptyBars ? BarCount() : lit;
     for (std::int32_t i = std::max(dirty.left() / m_look.BarWidth, 1); i <= last; ++i) {
-        const QRect bar = BarRect(i);
+        const QRectF bar = StepRect(i);
         if (bar.left() > dirty.right()) {
             break;
         }
         // Gaps are alike at every scale, and the bars take what is left.
-        const double left = grid.X(bar.left());
-        const double right = grid.X(bar.left() + m_look.BarWidth) - gap;
-        FillSharp(painter, {left, static_cast<double>(bar.top()), right - left, static_cast<double>(bar.height())},
+        FillSharp(painter, {bar.left(), bar.top(), grid.X(bar.right()) - gap - bar.left(), bar.height()},
                   i <= lit ? BarColour(i) : m_look.EmptyBarColor);
     }
     if (m_look.BorderVisible) {

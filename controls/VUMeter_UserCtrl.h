@@ -48,7 +48,8 @@ protected:
 
 private:
     std::int32_t LitBars(std::int32_t value) const;
-    QRect BarRect(std::int32_t i) const;
+    /// Of bar `i` and the gap behind it.
+    QRect StepRect(std::int32_t i) const;
 
     Look m_look;
     std::int32_t m_maxValue = 40;

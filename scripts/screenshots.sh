@@ -1,6 +1,6 @@
 #!/bin/bash
 # Takes screenshots of the main window, new and with the Welcome project playing, at two sizes, at 100, 150 and 200 %,
-# and with DejaVu Sans alone: screenshots.sh [FOLDER]. Nothing is heard. Needs no display of its own.
+# and with DejaVu Sans alone at 100 and 150 %: screenshots.sh [FOLDER]. Nothing is heard. Needs no display of its own.
 #   PRESET=dev screenshots.sh     of another build than the release
 set -euo pipefail
 start=$PWD
@@ -83,3 +83,4 @@ for scale in 1 1.5 2; do
     done
 done
 FONTCONFIG_FILE=$work/dejavu.conf shot new-1087-1-dejavu 1087 530 1 ""
+FONTCONFIG_FILE=$work/dejavu.conf shot welcome-1087-1.5-dejavu 1087 530 1.5 "$welcome" p
