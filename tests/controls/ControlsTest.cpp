@@ -192,7 +192,7 @@ TEST(Meter, BarsFollowTheValueAndOnlyTheyAreDrawnAgain)
     meter.installEventFilter(&painted);
     meter.SetValue(22);
     QCoreApplication::processEvents();
-    EXPECT_EQ(painted.region.boundingRect(), QRect(23 * 5, 2, 9, 10));
+    EXPECT_EQ(painted.region.boundingRect(), QRect(23 * 5, 2, 10, 10));
     painted.region = {};
     meter.SetValue(22);
     QCoreApplication::processEvents();
