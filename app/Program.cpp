@@ -7,6 +7,7 @@
 #include "soundlayer/soundlayer.h"
 
 #include <QDir>
+#include <QFontDatabase>
 #include <QTimer>
 #include <chrono>
 
@@ -79,6 +80,10 @@ int RunProgram(QApplication& application)
     // The window decides, by its questions.
     QApplication::setQuitOnLastWindowClosed(false);
     controls::InstallLook(application);
+    if (QFontDatabase::families().isEmpty()) {
+        // No window could say so.
+        qWarning("No fonts are installed, so no text can be shown. Install fonts-dejavu-core.");
+    }
     QApplication::setWindowIcon(controls::ProgramIcon());
 
     std::vector<std::string> arguments;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/NamedMutex.h"
 #include "app/QtMessageBoxes.h"
 #include "app/QtSystem.h"
 #include "app/Startup.h"
@@ -32,6 +33,7 @@ private:
     void LoadPlace();
     void SavePlace();
 
+    NamedMutex m_mutex{"VelmoraMUTEX"};
     QtMessageBoxes m_messages;
     QtInputBox m_input;
     QtFileDialogs m_fileDialogs;

@@ -1,8 +1,10 @@
+#include "app/NamedMutex.h"
 #include "app/QtMessageBoxes.h"
 #include "app/QtSystem.h"
 #include "app/UTIL_OpenSaveDialog_Class.h"
 #include "app/frmFileNotFound_DIALOG.h"
 #include "core/Paths.h"
+#include "core/PosixFiles.h"
 #include "tests/support/ScriptedPorts.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -201,6 +203,21 @@ TEST(QtPendingEvents, RunAtMostOnceInTenMilliseconds)
     EXPECT_LE(runs, time.elapsed() / 10);
     QCoreApplication::processEvents();
     EXPECT_EQ(ran, rounds + 1) << "all ran in the end";
+}
+
+TEST(NamedMutex, IsHeldByAllThatRunUntilTheLastEnds)
+{
+    const testing::TemporaryFolder folder;
+    const QByteArray earlier = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(folder.Posix().string()));
+    auto first = std::make_unique<NamedMutex>("VelmoraMUTEX");
+    auto second = std::make_unique<NamedMutex>("VelmoraMUTEX");
+    earlier.isNull() ? qunsetenv("XDG_RUNTIME_DIR") : qputenv("XDG_RUNTIME_DIR", earlier);
+    core::PosixFiles disk;
+    first.reset();
+    EXPECT_EQ(disk.LockFileCreate(folder.Path("VelmoraMUTEX")), nullptr);
+    second.reset();
+    EXPECT_NE(disk.LockFileCreate(folder.Path("VelmoraMUTEX")), nullptr);
 }
 
 class TrashTest : public ::testing::Test {

@@ -119,6 +119,17 @@ class Walk(Desktop):
         self.wait_title(rf"Velmora \[{saved}\]")
         self.assertGreater(max(read_wave(mix)), 1000)
 
+        # Keys go by their places where another script is written.
+        subprocess.run(["setxkbmap", "ru"], env=self.environment, check=True)
+        self.keys("33")
+        self.assertGreater(max(self.heard(2)), 1000, "P plays")
+        self.keys("33")
+        self.keys("ctrl+58")
+        self.wait_title("Add mark.*")
+        self.keys("Escape")
+        self.wait_title(rf"Velmora \[{saved}\]")
+        subprocess.run(["setxkbmap", "us"], env=self.environment, check=True)
+
         before = saved.read_bytes()
         self.keys("ctrl+m")
         self.wait_title("Add mark.*")
