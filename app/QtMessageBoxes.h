@@ -3,7 +3,6 @@
 #include "core/Ports.h"
 
 #include <string>
-#include <utility>
 
 namespace velmora::app {
 
@@ -13,7 +12,7 @@ public:
     void Show(std::string_view text, core::Icon icon, std::string_view title) override;
     core::Answer Ask(std::string_view text, core::Buttons buttons, core::Icon icon, std::string_view title) override;
     void Beep() override;
-    void SetNotes(core::BoxNotes notes) override { m_notes = std::move(notes); }
+    void SetNotes(const core::BoxNotes& notes) override { m_notes = notes; }
 
 private:
     core::BoxNotes m_notes;

@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 /// How the logic reaches the outside. The window's adapters and the tests' scripted ones implement these; the document
@@ -29,7 +28,7 @@ class MessageBoxes {
 public:
     virtual ~MessageBoxes() = default;
     /// For the boxes that follow. Questions have no note, nor has an adapter without room for one.
-    virtual void SetNotes(BoxNotes /*notes*/) {}
+    virtual void SetNotes(const BoxNotes& /*notes*/) {}
     virtual void Show(std::string_view text, Icon icon = Icon::Information, std::string_view title = "Velmora") = 0;
     virtual Answer Ask(std::string_view text, Buttons buttons = Buttons::YesNo, Icon icon = Icon::Question,
                        std::string_view title = "Velmora") = 0;
@@ -39,10 +38,10 @@ public:
 /// Notes for the boxes that come while this lives. Not one inside another.
 class NotesScope {
 public:
-    NotesScope(MessageBoxes& boxes, BoxNotes notes)
+    NotesScope(MessageBoxes& boxes, const BoxNotes& notes)
         : m_boxes(boxes)
     {
-        m_boxes.SetNotes(std::move(notes));
+        m_boxes.SetNotes(notes);
     }
     ~NotesScope() { m_boxes.SetNotes({}); }
     NotesScope(const NotesScope&) = delete;

@@ -27,7 +27,7 @@ public:
     void Show(std::string_view text, core::Icon icon, std::string_view title) override;
     core::Answer Ask(std::string_view text, core::Buttons buttons, core::Icon icon, std::string_view title) override;
     void Beep() override { ++beeps; }
-    void SetNotes(core::BoxNotes notes) override { m_notes = std::move(notes); }
+    void SetNotes(const core::BoxNotes& notes) override { m_notes = notes; }
 
     /// The next question gets `answer`; each answer serves once, in order.
     void Expect(core::Answer answer) { m_answers.push_back(answer); }
