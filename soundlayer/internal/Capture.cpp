@@ -83,11 +83,17 @@ void Capture::Stop()
     m_ending = true;
     m_feed->Wake();
     m_thread.join();
+    Settle();
+    const std::lock_guard lock(m_mutex);
+    Store(m_converter->Flush());
+    Keep(m_compensator.Flush());
+}
+
+void Capture::Settle()
+{
     const std::lock_guard lock(m_mutex);
     Collect();
     SettleDoubt(DoubtfulTime() >= m_limits.doubt / 3 ? Doubt::Gap : Doubt::Late);
-    Store(m_converter->Flush());
-    Keep(m_compensator.Flush());
 }
 
 bool Capture::InputSilent() const

@@ -37,7 +37,7 @@ public:
         std::chrono::milliseconds patience{3000};
         /// A block later than this may stand behind a gap,
         std::chrono::milliseconds late{20};
-        /// if all that comes for so long is as late. When the capture is stopped, a third will do; when the device goes
+        /// if all that comes for so long is as late. When it is to be settled, a third will do; when the device goes
         /// or falls silent, anything.
         std::chrono::milliseconds doubt{300};
     };
@@ -74,6 +74,8 @@ public:
     /// Frames from number `from` on that have arrived; from there on they are kept, as long as there is room to wait
     /// for the next call. Those that are kept no more are zeros, and `lost` is set.
     std::size_t Read(std::int64_t from, std::int16_t* interleaved, std::size_t frames, bool& lost);
+    /// Decides on what is doubtful, so that all that has arrived can be read.
+    void Settle();
     /// How long after frame `frame` sounded, frame `mixed` of the output was heard, going by both and by what came in
     /// the seconds after them; nothing while it is not known.
     std::optional<SoundClock::duration> OffsetOf(std::int64_t frame, std::int64_t mixed);

@@ -46,6 +46,7 @@ public:
 
     void Begin() override;
     std::size_t Read(std::int16_t* interleaved, std::size_t frames, bool& lost) override;
+    void End() override { m_capture->Settle(); }
 
 private:
     const std::shared_ptr<Capture> m_capture;

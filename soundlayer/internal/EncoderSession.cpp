@@ -113,6 +113,9 @@ bool EncoderSession::Finish()
         m_writer.join();
     }
     const std::lock_guard lock(m_writing);
+    if (m_source) {
+        m_source->End();
+    }
     Drain();
     return m_encoder->Finish() && !m_lost;
 }

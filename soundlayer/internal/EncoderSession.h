@@ -24,6 +24,8 @@ public:
     virtual void Begin() = 0;
     /// Up to `frames` frames that wait; sets `lost` when some were there no more.
     virtual std::size_t Read(std::int16_t* interleaved, std::size_t frames, bool& lost) = 0;
+    /// The encoder takes what waits now, and then no more.
+    virtual void End() = 0;
 };
 
 /// An encoder behind a handle: takes blocks on whatever thread pulls them.

@@ -51,11 +51,15 @@ TEST_F(AudioInput, WritesAllThatIsDeliveredFromTheStartOfTheEncoderOn)
     ASSERT_TRUE(m_device.Deliver(2000, 111));
     m_input.StartEncoder();
     ASSERT_TRUE(m_device.Deliver(20'000, 222));
+    // Blocks that come late just when the take ends.
+    m_device.Skip(50);
+    ASSERT_TRUE(m_device.Deliver(80, 333));
     m_input.EndCapture();
     const WavSound file = ReadWav(m_input.FilePath);
     EXPECT_EQ(file.channels, 2);
     EXPECT_EQ(Count(file, 111), 22'050) << "half a second of history";
     EXPECT_EQ(Count(file, 222), 20 * 44'100);
+    EXPECT_EQ(Count(file, 333), 80 * 44'100 / 1000);
     EXPECT_EQ(m_input.GapMS(), 0);
     EXPECT_FALSE(m_input.FileFailed());
     m_input.EndCapture();
