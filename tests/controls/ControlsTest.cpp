@@ -260,7 +260,7 @@ TEST(Combos, WhoChoosesWithTheMouseHasDoneWithThem)
     window.show();
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    const auto choose = [](std::initializer_list<Qt::Key> keys) {
+    const auto choose = [](std::vector<Qt::Key> keys) {
         QTimer::singleShot(0, [keys] {
             QWidget* menu = QApplication::activePopupWidget();
             ASSERT_NE(menu, nullptr);
