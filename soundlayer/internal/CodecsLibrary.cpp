@@ -4,6 +4,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <string>
 
 #include <dlfcn.h>
 
@@ -25,6 +26,15 @@ Hold& TheHold()
     return hold;
 }
 
+/// By its full path: a search would go by the library that calls, and that may be a checker which stands in between.
+std::string BesideThisLibrary(const char* name)
+{
+    Dl_info self{};
+    const bool found = dladdr(reinterpret_cast<const void*>(&TheHold), &self) != 0;
+    const std::string path = found ? self.dli_fname : "";
+    return path.substr(0, path.find_last_of('/') + 1) + name;
+}
+
 const Codecs* Load()
 {
     {
@@ -32,8 +42,8 @@ const Codecs* Load()
         std::unique_lock lock(hold.mutex);
         hold.changed.wait_for(lock, kLongestHold, [&hold] { return !hold.held; });
     }
-    // Found beside this library, and never unloaded: files may be open to the end.
-    void* library = dlopen("libvelmora_codecs.so", RTLD_NOW | RTLD_LOCAL);
+    // Never unloaded: files may be open to the end.
+    void* library = dlopen(BesideThisLibrary("libvelmora_codecs.so").c_str(), RTLD_NOW | RTLD_LOCAL);
     void* entry = library != nullptr ? dlsym(library, kCodecsEntry) : nullptr;
     return entry != nullptr ? reinterpret_cast<const Codecs* (*)()>(entry)() : nullptr;
 }
