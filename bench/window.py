@@ -17,6 +17,7 @@ from velmora_project import Channel, Clip, Project, audio_folder
 
 CLIPS = 1000
 LOAD_S = 10
+REST_S = 13  # the output rests after ten seconds of silence
 
 
 def main():
@@ -108,10 +109,10 @@ def measure_load(program, project, desktop):
     while not (window := desktop.ask("xdotool", "search", "--onlyvisible", "--name", "^Velmora").split()):
         time.sleep(0.1)
     subprocess.run(["xdotool", "windowactivate", "--sync", window[-1]], env=desktop.environment, check=True)
-    time.sleep(3)
+    time.sleep(REST_S)
     print(f"| % of a core, over {LOAD_S} s | interface | sound | in all |\n|---|---|---|---|")
     # Playing begins where both strips' channels sound.
-    for state, keys in (("idle", ["n", "n", "p"]), ("playing, all meters moving", ["p"]), ("stopped again", [])):
+    for state, keys in (("idle", ["n", "n", "p"]), ("playing, all meters moving", ["p"]), ("just stopped", [])):
         before = cpu_times(process.pid)
         time.sleep(LOAD_S)
         own, others = (100 * (b - a) / LOAD_S for a, b in zip(before, cpu_times(process.pid)))

@@ -81,7 +81,7 @@ void player_Play(void)
 
 void player_Pause(void)
 {
-    Engine::Get().mixSide.clock.Pause();
+    Engine::Get().Pause();
 }
 
 int32_t player_IsPlaying(void)

@@ -83,6 +83,7 @@ int BASS_Init(int32_t device, uint32_t freq, uint32_t, void*, const void*)
         }
         library.deviceNumber = number;
         library.output = std::move(output);
+        library.output->SetAwake(library.awake != 0);
         return 1;
     });
 }
@@ -213,6 +214,14 @@ void Sound_MixNow(void)
         if (const auto& output = Library::Get().output) {
             output->MixNow();
         }
+        return 1;
+    });
+}
+
+void Sound_SetAwake(int awake)
+{
+    Operation(0, [&] {
+        Library::Get().SetAwake(Library::kPlayer, awake != 0);
         return 1;
     });
 }

@@ -110,6 +110,7 @@ HRECORD BASS_RecordStart(uint32_t freq, uint32_t chans, uint32_t flags, const vo
             return Fail(BASS_ERROR_NOTAVAIL, HRECORD{0});
         }
         current->second = library.Register(std::make_shared<CaptureStream>(freq, std::move(capture)));
+        library.SetAwake(Library::kRecorder, true);
         return current->second;
     });
 }

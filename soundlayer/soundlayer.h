@@ -316,6 +316,10 @@ SOUND_API int Sound_SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user);
 /// What the heartbeat does next is heard as soon as the device's buffer has room, and not only when the update period
 /// is over. Returns at once.
 SOUND_API void Sound_MixNow(void);
+/// Something is to be heard from now on, or, with 0, need not be any more. While nothing is and nothing records, and
+/// ten seconds of silence have passed, the device is let rest: a clock stands in for it, and sound that comes
+/// nevertheless begins up to 200 ms late.
+SOUND_API void Sound_SetAwake(int awake);
 /// Edits between begin and end reach the mixing thread together. Calls may nest.
 SOUND_API void Sound_BeginEdit(void);
 SOUND_API void Sound_EndEdit(void);

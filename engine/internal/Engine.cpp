@@ -40,7 +40,7 @@ void Engine::Start()
 void Engine::Stop()
 {
     Sound_SetHeartbeat(nullptr, 0);
-    mixSide.clock.Pause();
+    Pause();
     m_metronome.Set(false, 0, 0, DeviceRate());
     planner.Stop();
     mixSide.clock.SetFrames(0);
@@ -52,8 +52,15 @@ void Engine::Play()
     if (mixSide.clock.Playing()) {
         return;
     }
+    Sound_SetAwake(1);
     // The clock starts once the voices at its position are ready, as after a seek.
     mixSide.Play(planner.Seek(planner.Frames()));
+}
+
+void Engine::Pause()
+{
+    mixSide.clock.Pause();
+    Sound_SetAwake(0);
 }
 
 void Engine::SetTimePos(std::int32_t positionMS)

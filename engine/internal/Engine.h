@@ -23,6 +23,7 @@ public:
     void Stop();
 
     void Play();
+    void Pause();
     void SetTimePos(std::int32_t positionMS);
     std::int32_t TimePos() const;
     /// As the entry point `player_GetStamp`.

@@ -47,6 +47,13 @@ public:
     /// How much lies ready for the callbacks, in ms; a device may suit its own buffer to it.
     virtual void SetBufferMS(std::uint32_t) {}
     virtual DeviceState State() const { return DeviceState::None; }
+    /// A device that is paused calls nobody back.
+    virtual void SetPaused(bool) {}
+    /// While it may, a device rests: it stops and lets a clock take its place, so that it costs next to nothing. It
+    /// begins to, and ends, within some 200 ms. [RT]
+    virtual void SetMayRest(bool) {}
+    /// Ends a rest at once; what has not been asked for yet waits for the device. Not [RT].
+    virtual void Wake() {}
 };
 
 /// "No sound": asks for frames by the monotonic clock and drops them. Those of the time `owed`, which has passed

@@ -71,6 +71,12 @@ void CubebDevice::Stop()
     m_context.reset();
 }
 
+void CubebDevice::SetPaused(bool paused)
+{
+    // One that does not go on is noticed by its silence.
+    paused ? cubeb_stream_stop(m_stream.get()) : cubeb_stream_start(m_stream.get());
+}
+
 std::uint32_t CubebDevice::LatencyMS() const
 {
     const std::size_t count = m_readingCount.load(std::memory_order_acquire);

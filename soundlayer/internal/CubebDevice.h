@@ -33,6 +33,7 @@ public:
 
     bool Start(std::uint32_t rate, Callback callback) override;
     void Stop() override;
+    void SetPaused(bool paused) override;
     /// Median over the callbacks of the last second; 0 before the first one.
     std::uint32_t LatencyMS() const override;
     std::uint32_t MinBufferMS() const override { return m_minBufferMS; }

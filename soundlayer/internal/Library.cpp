@@ -2,6 +2,7 @@
 
 #include "soundlayer/internal/CaptureStream.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -125,6 +126,14 @@ void Library::FreeStream(std::uint32_t handle)
     edits.Retire(std::move(stream));
 }
 
+void Library::SetAwake(Waker who, bool isAwake)
+{
+    awake = isAwake ? awake | who : awake & ~who;
+    if (output) {
+        output->SetAwake(awake != 0);
+    }
+}
+
 bool Library::FreeEncoder(std::uint32_t handle)
 {
     auto encoder = std::static_pointer_cast<EncoderSession>(handles.Share(handle));
@@ -146,6 +155,9 @@ void Library::StopRecording(std::uint32_t handle)
     if (const auto* stream = dynamic_cast<const CaptureStream*>(FindStream(handle))) {
         stream->Device()->Stop();
         FreeStream(handle);
+        SetAwake(kRecorder, std::ranges::any_of(recorders.ready, [this](const auto& ready) {
+                     return handles.Find(ready.second) != nullptr;
+                 }));
     }
 }
 

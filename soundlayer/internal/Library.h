@@ -38,6 +38,8 @@ public:
     std::int32_t deviceNumber = 0;
     std::uint32_t bufferMS = 500;
     std::uint32_t periodMS = 100;
+    /// For whom the device is awake, a bit each.
+    std::uint32_t awake = 0;
     SOUND_HEARTBEATPROC* heartbeat = nullptr;
     SOUND_USER heartbeatUser = 0;
 
@@ -56,6 +58,9 @@ public:
     /// Takes a stream out of its mixer or from the device.
     void Unlink(Stream& stream);
     void FreeStream(std::uint32_t handle);
+    enum Waker : std::uint32_t { kPlayer = 1, kRecorder = 2 };
+    /// The device does not rest as long as anybody is awake.
+    void SetAwake(Waker who, bool isAwake);
     /// Closes the file; false when it does not hold all it was given.
     bool FreeEncoder(std::uint32_t handle);
     /// Ends a record channel.

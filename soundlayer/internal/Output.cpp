@@ -86,6 +86,14 @@ void Output::MixNow()
     m_wake.notify_all();
 }
 
+void Output::SetAwake(bool awake)
+{
+    m_awake = awake;
+    if (awake) {
+        m_device->Wake();
+    }
+}
+
 void Output::SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user)
 {
     m_edits.Replace(m_alive, m_heartbeat, proc ? std::make_shared<const Heartbeat>(Heartbeat{proc, user}) : nullptr);
@@ -164,6 +172,9 @@ void Output::FillRing()
             frames = std::clamp<std::size_t>(asked, 1, frames);
         }
         const Block block = m_root->Pull(m_block.data(), frames);
+        const bool heard = !block.silent && std::any_of(m_block.data(), m_block.data() + 2 * frames,
+                                                        [](std::int16_t sample) { return sample != 0; });
+        m_silent = heard || m_awake.load(std::memory_order_relaxed) ? 0 : m_silent + frames;
         if (block.silent) {
             m_ring.WriteSilence(frames);
         } else {
@@ -172,6 +183,7 @@ void Output::FillRing()
         m_mixed.fetch_add(frames, std::memory_order_relaxed);
     }
     m_primed.store(true, std::memory_order_release);
+    m_device->SetMayRest(m_silent > FramesOf(kRestAfterMS));
 }
 
 } // namespace velmora::soundlayer

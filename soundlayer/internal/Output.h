@@ -40,6 +40,8 @@ public:
     void SetBuffer(std::uint32_t bufferMS, std::uint32_t periodMS);
     /// The next block is mixed as soon as the ring has room, and not only when the period is over.
     void MixNow();
+    /// While somebody is awake, or something was heard in the last seconds, the device does not rest.
+    void SetAwake(bool awake);
     /// Called before each block; waits until the former one is called no more.
     void SetHeartbeat(SOUND_HEARTBEATPROC* proc, SOUND_USER user);
     std::uint64_t MissedFrames() const { return m_missed.load(std::memory_order_relaxed); }
@@ -61,6 +63,7 @@ private:
     std::size_t FramesOf(std::uint32_t ms) const { return static_cast<std::size_t>(m_rate) * ms / 1000; }
 
     static constexpr std::size_t kBlockFrames = 512;
+    static constexpr std::uint32_t kRestAfterMS = 10'000;
 
     std::unique_ptr<AudioDevice> m_device;
     const std::uint32_t m_rate;
@@ -79,6 +82,9 @@ private:
     std::uint64_t m_taken = 0;
     std::uint32_t m_breaks = 0;
     std::atomic<bool> m_primed{false};
+    std::atomic<bool> m_awake{false};
+    /// Of the mixing thread: frames since something was last heard.
+    std::size_t m_silent = 0;
 
     std::mutex m_mutex;
     std::condition_variable m_wake;

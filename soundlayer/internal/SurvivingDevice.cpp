@@ -25,6 +25,8 @@ bool SurvivingDevice::Start(std::uint32_t rate, Callback callback)
     m_callback = std::move(callback);
     m_ending = false;
     m_gone = false;
+    m_mayRest = false;
+    m_resting = false;
     m_deviceMS = m_wantedMS;
     m_turn = Side::Device;
     std::unique_ptr<AudioDevice> device = MakeDevice();
@@ -62,7 +64,7 @@ void SurvivingDevice::Stop()
 std::uint32_t SurvivingDevice::LatencyMS() const
 {
     const std::lock_guard lock(m_mutex);
-    if (m_state == DeviceState::Sounding && m_device) {
+    if (m_state == DeviceState::Sounding && m_device && !m_standIn) {
         m_latencyMS = m_device->LatencyMS();
     }
     return m_latencyMS;
@@ -79,6 +81,15 @@ void SurvivingDevice::SetBufferMS(std::uint32_t bufferMS)
     {
         const std::lock_guard lock(m_mutex);
         m_wantedMS = std::clamp(bufferMS / 2, kLeastDeviceMS, kGreatestDeviceMS);
+    }
+    m_wake.notify_all();
+}
+
+void SurvivingDevice::Wake()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_mayRest = false;
     }
     m_wake.notify_all();
 }
@@ -132,10 +143,11 @@ void SurvivingDevice::Keep()
 {
     std::unique_lock lock(m_mutex);
     while (!m_ending) {
-        const bool arriving = m_device && m_standIn;
+        const bool arriving = m_device && m_standIn && !m_resting;
         const Clock::duration toTry = m_device ? Clock::duration::max() : m_nextTry - Clock::now();
         const auto pause = std::min(toTry, arriving ? Clock::duration(kArrivalLook) : Clock::duration(m_times.look));
-        m_wake.wait_for(lock, pause, [this] { return m_ending || m_gone || m_wantedMS != m_deviceMS; });
+        m_wake.wait_for(lock, pause,
+                        [this] { return m_ending || m_gone || m_wantedMS != m_deviceMS || (m_resting && !m_mayRest); });
         if (m_ending) {
             return;
         }
@@ -145,10 +157,14 @@ void SurvivingDevice::Keep()
             if (Clock::now() >= m_nextTry) {
                 TryAgain(lock);
             }
-        } else if (m_gone || m_wantedMS != m_deviceMS || Silence() > m_times.silence) {
+        } else if (m_gone || m_wantedMS != m_deviceMS || (!m_resting && Silence() > m_times.silence)) {
             Drop(lock);
         } else if (arriving && m_heard) {
             Arrive(lock);
+        } else if (m_resting && !m_mayRest) {
+            EndRest(lock);
+        } else if (!m_resting && !arriving && m_mayRest) {
+            BeginRest(lock);
         }
     }
 }
@@ -156,16 +172,17 @@ void SurvivingDevice::Keep()
 void SurvivingDevice::Drop(std::unique_lock<std::mutex>& lock)
 {
     const std::unique_ptr<AudioDevice> device = std::move(m_device);
-    const bool failedToArrive = m_standIn && m_wantedMS == m_deviceMS;
+    const bool failedToArrive = m_standIn && m_wantedMS == m_deviceMS && !m_resting;
+    m_resting = false;
     m_state = DeviceState::Lost;
     lock.unlock();
     // Another device may have become the default, or only the length changes: then the next try is at once.
     m_nextTry = Clock::now() + (failedToArrive ? m_times.retry : Clock::duration::zero());
     if (!m_standIn) {
         m_standIn = m_makeStandIn(std::max(Silence(), Clock::duration::zero()));
-        m_turn = Side::StandIn;
         m_standIn->Start(m_rate, CallbackOf(Side::StandIn));
     }
+    m_turn = Side::StandIn;
     device->Stop();
     lock.lock();
     m_gone = false;
@@ -197,6 +214,31 @@ void SurvivingDevice::Arrive(std::unique_lock<std::mutex>& lock)
     lock.lock();
     m_minBufferMS = m_device->MinBufferMS();
     m_state = DeviceState::Sounding;
+}
+
+void SurvivingDevice::BeginRest(std::unique_lock<std::mutex>& lock)
+{
+    m_resting = true;
+    lock.unlock();
+    auto standIn = m_makeStandIn({});
+    m_device->SetPaused(true);
+    m_turn = Side::StandIn;
+    standIn->Start(m_rate, CallbackOf(Side::StandIn));
+    lock.lock();
+    m_standIn = std::move(standIn);
+}
+
+void SurvivingDevice::EndRest(std::unique_lock<std::mutex>& lock)
+{
+    m_resting = false;
+    m_heard = false;
+    m_lastCall = Clock::now().time_since_epoch().count();
+    // The stand-in gets nothing any more: what is to be heard now waits for the device, and when that has called back,
+    // the stand-in ends.
+    m_turn = Side::Device;
+    lock.unlock();
+    m_device->SetPaused(false);
+    lock.lock();
 }
 
 } // namespace velmora::soundlayer

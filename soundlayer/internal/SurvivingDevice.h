@@ -17,7 +17,8 @@ namespace velmora::soundlayer {
 ///
 /// Lost is a device that says so or calls back no more. A stand-in then calls back by the clock, what the device's
 /// silence owes included, while a thread of its own tries to make the device anew. When that has called back, the
-/// stand-in ends. Whatever happens, callbacks come one at a time: a late one of the other side gets silence.
+/// stand-in ends. A device at rest is paused, and the stand-in calls back for it. Whatever happens, callbacks come one
+/// at a time: a late one of the other side gets silence.
 class SurvivingDevice final : public AudioDevice {
 public:
     using LostNotice = std::function<void()>;
@@ -42,12 +43,14 @@ public:
     /// False when the device refuses the first time.
     bool Start(std::uint32_t rate, Callback callback) override;
     void Stop() override;
-    /// While lost, what was last known.
+    /// While lost or at rest, what was last known.
     std::uint32_t LatencyMS() const override;
     std::uint32_t MinBufferMS() const override;
     /// The device is made anew when half of `bufferMS`, within 6..25 ms, is another length than what it holds.
     void SetBufferMS(std::uint32_t bufferMS) override;
     DeviceState State() const override { return m_state.load(std::memory_order_relaxed); }
+    void SetMayRest(bool may) override { m_mayRest.store(may, std::memory_order_relaxed); }
+    void Wake() override;
 
 private:
     using Clock = SoundClock;
@@ -64,6 +67,8 @@ private:
     void Drop(std::unique_lock<std::mutex>& lock);
     void TryAgain(std::unique_lock<std::mutex>& lock);
     void Arrive(std::unique_lock<std::mutex>& lock);
+    void BeginRest(std::unique_lock<std::mutex>& lock);
+    void EndRest(std::unique_lock<std::mutex>& lock);
 
     const Make m_make;
     const MakeStandIn m_makeStandIn;
@@ -76,6 +81,7 @@ private:
     std::atomic<bool> m_heard{false};
     std::atomic<Clock::rep> m_lastCall{0};
     std::atomic<DeviceState> m_state{DeviceState::None};
+    std::atomic<bool> m_mayRest{false};
 
     mutable std::mutex m_mutex;
     std::condition_variable m_wake;
@@ -87,6 +93,7 @@ private:
     std::uint32_t m_deviceMS = 25;
     Clock::time_point m_nextTry;
     bool m_gone = false;
+    bool m_resting = false;
     bool m_ending = false;
     std::thread m_keeper;
 };

@@ -32,7 +32,8 @@ TEST(Alignment, ATakeLiesOnWhatWasHeard)
                      << " were not";
     }
     std::ranges::sort(errors);
-    EXPECT_LT(errors[errors.size() / 2], 1);
+    // For some seconds after the machine was held up, PulseAudio's client guesses its latency by up to 3 ms wrong.
+    EXPECT_LT(errors[errors.size() / 2], 3);
 }
 
 } // namespace

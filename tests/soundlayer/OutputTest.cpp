@@ -1,6 +1,7 @@
 #include "soundlayer/internal/Output.h"
 
 #include "tests/soundlayer/TestStreams.h"
+#include "tests/support/Becomes.h"
 
 #include <atomic>
 #include <memory>
@@ -23,6 +24,9 @@ public:
     void Stop() override { m_callback = nullptr; }
     std::uint32_t LatencyMS() const override { return 0; }
     std::uint32_t MinBufferMS() const override { return 10; }
+    void SetMayRest(bool may) override { mayRest = may; }
+
+    std::atomic<bool> mayRest{false};
 
     std::vector<std::int16_t> Ask(std::size_t frames)
     {
@@ -117,6 +121,33 @@ TEST(Output, MixesWhenToldToWhateverItsPeriod)
     device.Ask(441);
     mixes(5292);
     EXPECT_EQ(output.MixedFrames(), 5292U);
+}
+
+TEST(Output, TheDeviceMayRestAfterTenSecondsOfSilenceUnlessSomebodyIsAwake)
+{
+    GraphEdits edits;
+    auto owned = std::make_unique<HandDriven>();
+    HandDriven& device = *owned;
+    Output output(std::move(owned), 44'100, edits);
+    output.SetBuffer(100, 1);
+    ASSERT_TRUE(output.Start());
+    const auto mixMore = [&](std::uint64_t frames) {
+        const std::uint64_t end = output.MixedFrames() + frames;
+        while (output.MixedFrames() < end) {
+            device.Ask(441);
+        }
+    };
+    output.Play(std::make_shared<MixerStream>(44'100, BASS_MIXER_NONSTOP));
+    output.SetAwake(true);
+    mixMore(15 * 44'100);
+    output.SetAwake(false);
+    mixMore(9 * 44'100);
+    EXPECT_FALSE(device.mayRest);
+    mixMore(2 * 44'100);
+    EXPECT_TRUE(testing::Becomes([&] { return device.mayRest.load(); }));
+    output.Play(std::make_shared<Counting>());
+    mixMore(2 * 4410);
+    EXPECT_TRUE(testing::Becomes([&] { return !device.mayRest; })) << "whoever it was";
 }
 
 TEST(Output, StoppingHandsTheStreamBack)

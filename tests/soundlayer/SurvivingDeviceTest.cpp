@@ -26,6 +26,7 @@ struct Script {
     std::atomic<int> tries{0};
     std::atomic<std::int64_t> owedNS{0};
     std::atomic<int> standIns{0};
+    std::atomic<bool> paused{false};
 };
 
 class Scripted final : public AudioDevice {
@@ -61,6 +62,7 @@ public:
     }
     std::uint32_t LatencyMS() const override { return 7; }
     std::uint32_t MinBufferMS() const override { return 50; }
+    void SetPaused(bool paused) override { m_script.paused = paused; }
 
 private:
     Script& m_script;
@@ -156,6 +158,36 @@ TEST_F(Surviving, OneSideSoundsAtATime)
     EXPECT_TRUE(Sounds(2));
     EXPECT_FALSE(Sounds(1));
     EXPECT_EQ(m_script.running, 1);
+}
+
+TEST_F(Surviving, AtRestTheStandInCallsBackAndWhatComesThenWaitsForTheDevice)
+{
+    const auto device = Make({500ms, 1ms, 1ms});
+    ASSERT_TRUE(Start(*device));
+    EXPECT_EQ(device->LatencyMS(), 7U);
+    device->SetMayRest(true);
+    Await([this] { return Started() == 2; });
+    EXPECT_TRUE(m_script.paused);
+    EXPECT_TRUE(Sounds(1));
+    EXPECT_FALSE(Sounds(0));
+    std::this_thread::sleep_for(600ms);
+    EXPECT_EQ(device->State(), DeviceState::Sounding) << "its silence is no loss";
+    EXPECT_EQ(device->LatencyMS(), 7U);
+
+    device->Wake();
+    Await([this] { return !m_script.paused; });
+    EXPECT_FALSE(Sounds(1));
+    EXPECT_TRUE(Sounds(0));
+    Await([this] { return m_script.running == 1; });
+
+    // A device that does not wake up is lost, and the stand-in's turn goes on.
+    device->SetMayRest(true);
+    Await([this] { return Started() == 3; });
+    m_script.callsBack = false;
+    device->Wake();
+    Await([&] { return device->State() == DeviceState::Lost; });
+    Await([this] { return Sounds(2); });
+    EXPECT_EQ(m_script.standIns, 2);
 }
 
 TEST_F(Surviving, ARefusalAtTheStartIsTold)
