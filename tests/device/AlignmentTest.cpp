@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -9,7 +10,8 @@
 namespace velmora::audio {
 namespace {
 
-TEST(Alignment, ATakeLiesOnWhatWasHeard)
+/// The median error of takes with two buffers, in ms; nothing where the machine has no time for sound.
+std::optional<double> MedianError()
 {
     AlignedTakes rig;
     std::vector<double> errors;
@@ -28,12 +30,24 @@ TEST(Alignment, ATakeLiesOnWhatWasHeard)
         }
     }
     if (disturbed >= errors.size()) {
-        GTEST_SKIP() << "the machine has no time for sound: " << disturbed << " takes were disturbed, " << errors.size()
-                     << " were not";
+        return {};
     }
     std::ranges::sort(errors);
-    // For some seconds after the machine was held up, PulseAudio's client guesses its latency by up to 3 ms wrong.
-    EXPECT_LT(errors[errors.size() / 2], 3);
+    return errors[errors.size() / 2];
+}
+
+TEST(Alignment, ATakeLiesOnWhatWasHeard)
+{
+    // For some seconds after the machine was held up, PulseAudio's client guesses its latency by up to 3 ms wrong; what
+    // is wrong with us is so with every server.
+    std::optional<double> error;
+    for (int servers = 0; servers < 3 && error.value_or(1) >= 1; ++servers) {
+        error = MedianError();
+    }
+    if (!error) {
+        GTEST_SKIP() << "the machine has no time for sound";
+    }
+    EXPECT_LT(*error, 1);
 }
 
 } // namespace
